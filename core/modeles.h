@@ -1,0 +1,32 @@
+// Parameter models of object lists: the table, as plain data. The format
+// engine reads and writes objects through them; the project file saves them.
+#pragma once
+#include <cstdint>
+
+constexpr int NB_MODELES_MAX = 10;
+constexpr int NB_PARAMETRES_MAX = 100;
+constexpr int TAILLE_NOM_MODELE = 512;
+constexpr int TAILLE_NOM_PARAMETRE = 32;
+constexpr int TAILLE_DEFAUT_PARAMETRE = 16;
+constexpr int TAILLE_OBJET_BASE = 12; // x, y and type of every object
+
+enum GenreParametre { PARAMETRE_ENTIER = 1, PARAMETRE_BRUT = 2 };
+
+struct ModeleParametres {
+    char nom[TAILLE_NOM_MODELE];
+    int32_t nbParametres;
+    int32_t genres[NB_PARAMETRES_MAX];
+    int32_t tailles[NB_PARAMETRES_MAX];
+    char noms[NB_PARAMETRES_MAX][TAILLE_NOM_PARAMETRE];
+    char defauts[NB_PARAMETRES_MAX][TAILLE_DEFAUT_PARAMETRE];
+    int32_t taille; // 12 plus the sum of tailles
+};
+
+extern ModeleParametres TableModeles[NB_MODELES_MAX];
+extern int NbModeles;
+extern int ModeleSelectionne;
+
+// Clears the table and makes model 0 "Default", with no parameters, selected.
+void InitialiseModeles();
+// 12 plus the sizes of the model's parameters.
+int32_t TailleModele(const ModeleParametres& modele);

@@ -1,0 +1,3 @@
+#include "editor/editeur.h"
+
+bool EditeurOuvert = false;

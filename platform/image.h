@@ -1,0 +1,23 @@
+// Pictures: the work surfaces of the system (preview, editor, specimen) and
+// the pictures that loaders hand around. Rows are bottom-up, each padded to a
+// multiple of 4 bytes; 24-bit pixels are blue, green, red.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+
+struct Image {
+    int largeur = 0;
+    int hauteur = 0;
+    int bits = 0;      // 8, 16, 24 or 32
+    int pas = 0;       // bytes per row
+    uint8_t* pixels = nullptr;
+};
+
+// Bytes of one row of a picture of that width and depth.
+int PasImage(int largeur, int bits);
+
+// Makes a cleared picture, after freeing what image held. Checks its arguments
+// with the "Internal error" box. Gives 1 when the picture was made, else 0 (bad
+// arguments or not enough memory), and then image is empty.
+int CreeImage(Image& image, int cx, int cy, int ibitcount);
+void LibereImage(Image& image);

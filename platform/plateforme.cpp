@@ -1,0 +1,71 @@
+#include "platform/plateforme.h"
+
+#include "platform/texte.h"
+
+#include <cstdarg>
+#include <cstdio>
+
+namespace {
+
+// Headless contract: "[title] text" and a line feed on standard error; a
+// question takes its first answer.
+int BoiteSansFenetre(const char* texte, const char* titre, int style) {
+    fprintf(stderr, "[%s] %s\n", titre ? titre : "", texte ? texte : "");
+    fflush(stderr);
+    switch (style & MASQUE_BOUTONS) {
+    case BOITE_OUINON:
+    case BOITE_OUINONANNULER:
+        return REPONSE_OUI;
+    default:
+        return REPONSE_OK;
+    }
+}
+
+void AttenteSansFenetre(int) {}
+
+int FichierSansFenetre(int, char* sortie, size_t taille, const char*, const char*, const char*) {
+    if (sortie && taille) sortie[0] = 0;
+    return 0;
+}
+
+int CommandeSansFenetre(const char*) { return 0; }
+
+} // namespace
+
+const Plateforme PlateformeSansFenetre = {BoiteSansFenetre, AttenteSansFenetre, FichierSansFenetre,
+                                          CommandeSansFenetre};
+Plateforme PlateformeCourante = PlateformeSansFenetre;
+
+int BoiteMessage(const char* texte, const char* titre, int style) {
+    return PlateformeCourante.boiteMessage(texte, titre, style);
+}
+
+void MessageDebug(const char* texte) { BoiteMessage(texte, "Debuging", BOITE_OK); }
+
+void MessageDebugF(const char* format, ...) {
+    char texte[1024];
+    va_list args;
+    va_start(args, format);
+    vsnprintf(texte, sizeof texte, format, args);
+    va_end(args);
+    MessageDebug(texte);
+}
+
+int BoiteMessageF(const char* titre, int style, const char* format, ...) {
+    char texte[1024];
+    va_list args;
+    va_start(args, format);
+    vsnprintf(texte, sizeof texte, format, args);
+    va_end(args);
+    return BoiteMessage(texte, titre, style);
+}
+
+bool Verifie(bool valeur, const char* condition) {
+    if (!valeur) {
+        char texte[512];
+        FormateBorne(texte, sizeof texte, "An error has happened because the following condition is false: %s",
+                     condition);
+        BoiteMessage(texte, "Internal error", BOITE_OK | ICONE_ARRET);
+    }
+    return valeur;
+}

@@ -1,0 +1,10 @@
+#include "shell/fenetre.h"
+
+#include <cstdio>
+
+int LanceFenetrePrincipale() {
+    fputs("Tessellarium: this build has no window layer; only batch mode is available "
+          "(a command line that begins with '-').\n",
+          stderr);
+    return 0;
+}
