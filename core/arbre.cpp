@@ -20,6 +20,11 @@ RacineArbre RacinesArbre[NB_RACINES] = {
 
 namespace {
 
+// The roots in the order of the tree: Tilesets, Maps, Lists, Palettes, Bitmaps,
+// then "8 bits" and "16 bits" under Bitmaps. Not the order of RacinesArbre.
+const int OrdreRacines[] = {RACINE_MOSAIQUES, RACINE_CARTES,   RACINE_LISTES,   RACINE_PALETTES,
+                            RACINE_BITMAPS,   RACINE_BITMAPS8, RACINE_BITMAPS16};
+
 // Where a row hangs: a root, or a folder by name.
 struct Parent {
     int racine;          // row of RacinesArbre, or -1 for a folder
@@ -62,7 +67,7 @@ NoeudArbre Precedent(int index, const Parent& p) {
         if (Elements[j].arbreItem && MemeParent(ParentDe(Elements[j]), p)) return Elements[j].arbreItem;
     if (p.racine < 0) return 0;
     NoeudArbre dernier = 0;
-    for (int r = 1; r < NB_RACINES; ++r)
+    for (int r : OrdreRacines)
         if (RacinesArbre[r].parent == p.racine && RacinesArbre[r].noeud) dernier = RacinesArbre[r].noeud;
     return dernier;
 }
@@ -93,11 +98,8 @@ void ReconstruitArbre() {
     ArbreEnReconstruction = true;
     ArbreProjet->redessine(0);
     ArbreProjet->vide();
-    // Roots in the order of the tree: Tilesets, Maps, Lists, Palettes, Bitmaps.
-    static const int ordre[] = {RACINE_MOSAIQUES, RACINE_CARTES, RACINE_LISTES, RACINE_PALETTES,
-                                RACINE_BITMAPS,   RACINE_BITMAPS8, RACINE_BITMAPS16};
     NoeudArbre precedent[NB_RACINES] = {};
-    for (int r : ordre) {
+    for (int r : OrdreRacines) {
         RacineArbre& racine = RacinesArbre[r];
         NoeudArbre parent = RacinesArbre[racine.parent].noeud;
         racine.noeud = ArbreProjet->insere(parent, precedent[racine.parent], racine.texte);

@@ -143,13 +143,19 @@ void SupprimeDossier(int index) {
                 }
         }
     }
+    // The folder's node goes with every node under it: the rows that had one
+    // there lose their id now, so that no id of a deleted node is used again.
+    RetireDeArbre(index);
     // Elements inside fall back to the root of their type.
     for (int i = 0; i < NbElements; ++i) {
-        if (marque[i] || !EstRange(Elements[i])) continue;
+        if (!EstRange(Elements[i])) continue;
         for (int j = 0; j < NbElements; ++j)
             if (marque[j] && strcmp(Elements[i].dossier, Elements[j].nom) == 0) {
-                Elements[i].type &= ~ELEMENT_RANGE;
-                Elements[i].dossier[0] = 0;
+                Elements[i].arbreItem = 0;
+                if (!marque[i]) {
+                    Elements[i].type &= ~ELEMENT_RANGE;
+                    Elements[i].dossier[0] = 0;
+                }
                 break;
             }
     }

@@ -178,7 +178,13 @@ void ChargeProjet(const char* chemin) {
         DonneesProjet = (char*)malloc(TAILLE_DONNEES_MAX);
         long position = ftell(fichier);
         if (DonneesProjet && position >= 0) {
-            TailleDonneesProjet = fread(DonneesProjet, 1, TAILLE_DONNEES_MAX, fichier);
+            size_t lus = fread(DonneesProjet, 1, TAILLE_DONNEES_MAX, fichier);
+            // Read in text mode: a CR LF line end is a line feed.
+            size_t n = 0;
+            for (size_t i = 0; i < lus; ++i)
+                if (!(DonneesProjet[i] == '\r' && i + 1 < lus && DonneesProjet[i + 1] == '\n'))
+                    DonneesProjet[n++] = DonneesProjet[i];
+            TailleDonneesProjet = n;
             fseek(fichier, position, SEEK_SET);
         }
         Crochets.executeScript(fichier, nullptr);
