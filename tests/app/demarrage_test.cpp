@@ -1,1 +1,139 @@
+#include "app/demarrage.h"
+
+#include "core/elements.h"
+#include "core/projet.h"
+#include "core/reglages.h"
+#include "tests/support/enregistreur.h"
+
 #include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace {
+
+const std::string ENTETE = "#Fichier de projet Tessellarium\n";
+const std::string DONNEES = "donn\xE9"
+                            "es";
+
+std::string Repertoire() {
+    return std::filesystem::current_path().string();
+}
+
+// The names that reached ExecuteConv, in the order of the messages.
+std::vector<std::string> Liens(const char* ligne) {
+    EnregistreurMessages enregistreur;
+    ExecuteChaineLot(ligne);
+    std::vector<std::string> noms;
+    const std::string prefixe = "[Debuging] Unrecognized convertion identifier: ";
+    for (const std::string& m : enregistreur.messages)
+        noms.push_back(m.compare(0, prefixe.size(), prefixe) == 0 ? m.substr(prefixe.size()) : "?" + m);
+    return noms;
+}
+
+using Noms = std::vector<std::string>;
+
+std::string ProjetUneCarte(const std::string& nom, const std::string& donnees) {
+    return ENTETE + " .section fichiers\n #\n  El\xE9ment: " + nom + "\n  Type: carte\n  Fichier: " + nom +
+           ".map.c\n Fin\n .section " + DONNEES + "\n" + donnees;
+}
+
+} // namespace
+
+TEST(LigneCommande, FormesEtModes) {
+    char projet[64];
+    EXPECT_EQ(AnalyseLigneCommande("", projet, sizeof projet), MODE_FENETRE);
+    EXPECT_STREQ(projet, "projet.tsl");
+    EXPECT_EQ(AnalyseLigneCommande(nullptr, projet, sizeof projet), MODE_FENETRE);
+    EXPECT_STREQ(projet, "projet.tsl");
+    EXPECT_EQ(AnalyseLigneCommande("\"a b/p.tsl\"", projet, sizeof projet), MODE_FENETRE);
+    EXPECT_STREQ(projet, "a b/p.tsl");
+    // The last character goes without being looked at.
+    EXPECT_EQ(AnalyseLigneCommande("\"a b/p.tslx", projet, sizeof projet), MODE_FENETRE);
+    EXPECT_STREQ(projet, "a b/p.tsl");
+    EXPECT_EQ(AnalyseLigneCommande("mes projets/p 2.tsl ", projet, sizeof projet), MODE_FENETRE);
+    EXPECT_STREQ(projet, "mes projets/p 2.tsl ");
+    // Batch mode never names a project.
+    EXPECT_EQ(AnalyseLigneCommande("-src=a.bmp", projet, sizeof projet), MODE_LOT);
+    EXPECT_STREQ(projet, "projet.tsl");
+    EXPECT_EQ(AnalyseLigneCommande("-\"autre.tsl\"", projet, sizeof projet), MODE_LOT);
+    EXPECT_STREQ(projet, "projet.tsl");
+    EXPECT_EQ(AnalyseLigneCommande("0123456789abcdef", projet, 8), MODE_FENETRE);
+    EXPECT_STREQ(projet, "0123456");
+}
+
+TEST(ChaineLot, LiensCoupesAuxDeuxPointsHorsGuillemets) {
+    EXPECT_EQ(Liens("-a:b c:-d"), (Noms{"a", "b", "c", "d"}));
+    // A quoted colon stays in its link, quotes and all.
+    EXPECT_EQ(Liens("-\"x:y\":z"), (Noms{"\"x:y\"", "z"}));
+    EXPECT_EQ(Liens("-src=\"c:/img.bmp\" +q:r"), (Noms{"src", "q", "r"}));
+    // An unclosed quote runs to the end.
+    EXPECT_EQ(Liens("-a:\"b:c"), (Noms{"a", "\"b:c"}));
+    // An empty link in the middle does not stop the chain; a trailing ':' adds nothing.
+    EXPECT_EQ(Liens("-a::b"), (Noms{"a", "b"}));
+    EXPECT_EQ(Liens("-a:"), (Noms{"a"}));
+    EXPECT_EQ(Liens("-:"), Noms{});
+}
+
+TEST(Demarrage, LotSansProjetEcritProjetTsl) {
+    DossierTemporaire dossier;
+    EnregistreurMessages enregistreur;
+    // Start-up puts every default back before the project is read.
+    ReglagesEdit.timing = 99;
+    AjouteElementBrut(NouvelElement(TYPE_CARTE, "vieux", "v.c"));
+
+    EXPECT_EQ(Demarre("-zz:\"autre.tsl\"", nullptr), 0);
+    EXPECT_EQ(std::string(CheminProjet), Repertoire() + "/projet.tsl");
+    EXPECT_EQ(enregistreur.messages, (Noms{"[Debuging] Unrecognized convertion identifier: zz",
+                                           "[Debuging] Unrecognized convertion identifier: \"autre.tsl\""}));
+    EXPECT_EQ(enregistreur.attente, 1); // the busy dialog stays up to the end
+    EXPECT_FALSE(std::filesystem::exists("autre.tsl"));
+
+    const std::string texte = LitFichier("projet.tsl");
+    EXPECT_EQ(texte.substr(0, ENTETE.size()), ENTETE);
+    EXPECT_NE(texte.find("  Directory = \"" + Repertoire() + "\"\n"), std::string::npos);
+    EXPECT_EQ(texte.find("Timing"), std::string::npos);
+    EXPECT_NE(texte.find(" .section fichiers\n Fin\n"), std::string::npos);
+    const std::string fin = " .section " + DONNEES + "\n  End\n\n\n\n";
+    EXPECT_EQ(texte.substr(texte.size() - fin.size()), fin);
+}
+
+TEST(Demarrage, LotGardeLeProjetEnPlace) {
+    DossierTemporaire dossier;
+    EnregistreurMessages enregistreur;
+    const std::string donnees = "  End\nnotes de l'utilisateur\n";
+    EcritFichier("projet.tsl", ProjetUneCarte("mer", donnees));
+
+    EXPECT_EQ(Demarre("-q", nullptr), 0);
+    EXPECT_EQ(NbElements, 1);
+    const std::string texte = LitFichier("projet.tsl");
+    EXPECT_NE(texte.find("  El\xE9ment: mer\n  Type: carte\n  Fichier: mer.map.c\n"), std::string::npos);
+    EXPECT_EQ(texte.substr(texte.size() - donnees.size()), donnees);
+    EXPECT_EQ(enregistreur.messages.size(), 1u);
+}
+
+TEST(Demarrage, CheminAvecOuSansGuillemetsMemeProjet) {
+    DossierTemporaire dossier;
+    EnregistreurMessages enregistreur;
+    const std::string base = Repertoire();
+    const std::string sousDossier = base + "/mes projets";
+    std::filesystem::create_directory(sousDossier);
+    const std::string projet = ProjetUneCarte("lac", "  End\n");
+    EcritFichier(sousDossier + "/p 1.tsl", projet);
+
+    const std::string lignes[] = {"\"" + sousDossier + "/p 1.tsl\"", sousDossier + "/p 1.tsl",
+                                  "mes projets/p 1.tsl", "\"mes projets/../mes projets/p 1.tsl\""};
+    for (const std::string& ligne : lignes) {
+        std::filesystem::current_path(base);
+        NbElements = 0;
+        EXPECT_EQ(Demarre(ligne.c_str(), nullptr), 0) << ligne; // the window road of a build without windows
+        EXPECT_EQ(std::string(CheminProjet), sousDossier + "/p 1.tsl") << ligne;
+        EXPECT_EQ(Repertoire(), sousDossier) << ligne;
+        ASSERT_EQ(NbElements, 1) << ligne;
+        EXPECT_STREQ(Elements[0].nom, "lac");
+    }
+    // Starting towards the window writes nothing.
+    EXPECT_EQ(LitFichier(sousDossier + "/p 1.tsl"), projet);
+    EXPECT_TRUE(enregistreur.messages.empty());
+}

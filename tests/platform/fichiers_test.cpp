@@ -1,1 +1,61 @@
+#include "platform/fichiers.h"
+#include "tests/support/enregistreur.h"
+
 #include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+
+TEST(Fichiers, CheminCompletResoutPointsEtRelatifs) {
+    DossierTemporaire dossier;
+    char sortie[1000];
+    ASSERT_EQ(CheminComplet("projet.tsl", sortie, sizeof sortie), 1);
+    EXPECT_EQ(std::string(sortie), dossier.Dans("projet.tsl"));
+    ASSERT_EQ(CheminComplet("./a/../b/./c.tsl", sortie, sizeof sortie), 1);
+    EXPECT_EQ(std::string(sortie), dossier.Dans("b/c.tsl"));
+    ASSERT_EQ(CheminComplet("/x/y/../../../z", sortie, sizeof sortie), 1);
+    EXPECT_STREQ(sortie, "/z");
+    // Backslashes separate too, and keep their place in the result.
+    ASSERT_EQ(CheminComplet("/x\\y\\..\\w", sortie, sizeof sortie), 1);
+    EXPECT_STREQ(sortie, "/x\\w");
+    // A result that does not fit is refused.
+    char court[8];
+    EXPECT_EQ(CheminComplet("/abcdefghij", court, sizeof court), 0);
+}
+
+TEST(Fichiers, OuvreAccepteLesBarresInverses) {
+    DossierTemporaire dossier;
+    ASSERT_TRUE(std::filesystem::create_directory(dossier.Dans("sous")));
+    EcritFichier(dossier.Dans("sous/a.txt"), "contenu");
+    FILE* f = OuvreFichier("sous\\a.txt", "rb");
+    ASSERT_NE(f, nullptr);
+    char tampon[16] = {};
+    EXPECT_EQ(fread(tampon, 1, sizeof tampon, f), 7u);
+    fclose(f);
+    EXPECT_TRUE(FichierExiste("sous\\a.txt"));
+    EXPECT_FALSE(FichierExiste("sous\\b.txt"));
+    EXPECT_EQ(OuvreFichier("", "rb"), nullptr);
+
+    ASSERT_EQ(CopieFichier("sous/a.txt", "copie.bak"), 1);
+    EXPECT_EQ(LitFichier(dossier.Dans("copie.bak")), "contenu");
+    EXPECT_EQ(CopieFichier("absent.txt", "x.bak"), 0);
+    EXPECT_FALSE(FichierExiste("x.bak"));
+    EXPECT_EQ(SupprimeFichier("copie.bak"), 1);
+    EXPECT_FALSE(FichierExiste("copie.bak"));
+}
+
+TEST(Fichiers, RepertoireCourantSansSeparateurFinal) {
+    DossierTemporaire dossier;
+    char courant[1000];
+    ASSERT_EQ(RepertoireCourant(courant, sizeof courant), 1);
+    EXPECT_EQ(std::string(courant), dossier.chemin);
+    char petit[4];
+    EXPECT_EQ(RepertoireCourant(petit, sizeof petit), 0);
+    ASSERT_EQ(ChangeRepertoire("/"), 1);
+    ASSERT_EQ(RepertoireCourant(courant, sizeof courant), 1);
+    EXPECT_STREQ(courant, "/");
+    EXPECT_EQ(ChangeRepertoire(dossier.Dans("absent").c_str()), 0);
+    const char* chemin = "a\\b/c\\d";
+    EXPECT_EQ(DernierSeparateur(chemin), chemin + 5);
+    EXPECT_EQ(DernierSeparateur("abc"), nullptr);
+}

@@ -77,7 +77,10 @@ void Efface(NoeudArbre id) {
     n->enfants.clear();
 }
 
-void Supprime(NoeudArbre id) { Efface(id); }
+void Supprime(NoeudArbre id) {
+    if (!NoeudVivant(id)) ++ArbreActif->suppressionsPerdues;
+    Efface(id);
+}
 
 void Vide() {
     ArbreActif->noeuds.clear();
@@ -143,6 +146,7 @@ int ArbreMemoire::Compte() const {
 #include "core/modeles.h"
 #include "core/projet.h"
 #include "core/reglages.h"
+#include "platform/texte.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -185,4 +189,15 @@ std::string LitFichier(const std::string& chemin) {
 void EcritFichier(const std::string& chemin, const std::string& contenu) {
     std::ofstream f(chemin, std::ios::binary | std::ios::trunc);
     f.write(contenu.data(), (std::streamsize)contenu.size());
+}
+
+ElementProjet DansDossier(ElementProjet ligne, const char* dossier) {
+    ligne.type |= ELEMENT_RANGE;
+    CopieBornee(ligne.dossier, dossier);
+    return ligne;
+}
+
+ElementProjet NouveauDossier(const char* nom, const char* dans) {
+    ElementProjet d = NouvelElement(ELEMENT_DOSSIER, nom, "");
+    return dans ? DansDossier(d, dans) : d;
 }

@@ -1,11 +1,17 @@
 // Test support: a recording platform and an in-memory project tree.
 #pragma once
 #include "core/arbre.h"
+#include "core/elements.h"
 #include "platform/plateforme.h"
 
 #include <deque>
 #include <string>
 #include <vector>
+
+// The row placed in a folder (ELEMENT_RANGE).
+ElementProjet DansDossier(ElementProjet ligne, const char* dossier);
+// A folder row, inside another folder when dans is given.
+ElementProjet NouveauDossier(const char* nom, const char* dans = nullptr);
 
 // While it lives, message boxes are recorded as "[title] text" instead of
 // printed, and questions take the scripted answers in order (then the first
@@ -41,6 +47,9 @@ struct ArbreMemoire {
     std::vector<Noeud> noeuds; // index = id - 1; deleted nodes have id 0
     std::vector<NoeudArbre> racine; // top-level children
     NoeudArbre selection = 0;
+    // Deletions asked for a node that no longer exists: a real tree control may
+    // have given that id to another node since.
+    int suppressionsPerdues = 0;
 
     const Noeud* Trouve(NoeudArbre id) const;
     // The tree as text, one node a line, two blanks of indent a level.
