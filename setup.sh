@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# Set-up on a fresh Debian 12 machine: installs what is missing with apt,
+# configures and builds, then
+#   bash setup.sh example   runs the batch converter on the bundled example;
+#   bash setup.sh test      runs every test, plain and under ASan + UBSan.
+set -euo pipefail
+cd "$(dirname "$0")"
+mode=${1:-example}
+
+paquets=(g++ cmake make libgtest-dev libbenchmark-dev)
+manque=()
+for p in "${paquets[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || manque+=("$p")
+done
+if [ ${#manque[@]} -gt 0 ]; then
+  sudo=""
+  [ "$(id -u)" -ne 0 ] && sudo=sudo
+  $sudo apt-get update
+  $sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${manque[@]}"
+fi
+jobs=$(nproc)
+
+case "$mode" in
+  example)
+    cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+    cmake --build build -j"$jobs" --target tessellarium
+    # The example is copied so that the run never touches the tracked files.
+    rm -rf build/exemple
+    cp -r examples/demo build/exemple
+    cd build/exemple
+    ../tessellarium -
+    echo "--- build/exemple/projet.tsl, loaded and saved again by the batch run (shown as UTF-8):"
+    iconv -f LATIN1 -t UTF-8 projet.tsl 2>/dev/null || cat projet.tsl
+    echo "--- what the save changed against examples/demo/projet.tsl:"
+    diff ../../examples/demo/projet.tsl projet.tsl || true
+    ;;
+  test)
+    cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTESS_TESTS=ON -DTESS_BENCH=ON -DTESS_WERROR=ON
+    cmake --build build -j"$jobs"
+    ctest --test-dir build --output-on-failure -j"$jobs"
+    cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=Debug -DTESS_TESTS=ON -DTESS_SANITIZE=ON -DTESS_WERROR=ON
+    cmake --build build-asan -j"$jobs"
+    UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 ASAN_OPTIONS=detect_leaks=1 \
+      ctest --test-dir build-asan --output-on-failure -j"$jobs"
+    ;;
+  *)
+    echo "usage: bash setup.sh [example|test]" >&2
+    exit 2
+    ;;
+esac
