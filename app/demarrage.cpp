@@ -12,6 +12,8 @@
 #include "platform/plateforme.h"
 #include "platform/texte.h"
 #include "render/surfaces.h"
+#include "script/crochets.h"
+#include "script/interpreteur.h"
 #include "shell/fenetre.h"
 
 #include <cstring>
@@ -58,7 +60,20 @@ void ExecuteChaineLot(const char* ligne) {
     }
 }
 
+namespace {
+
+void ConvDepuisScript(const char* texte) { ExecuteConv(texte); }
+
+// The calls from lower libraries up to the ones that own them.
+void InstalleCrochets() {
+    InstalleInterpreteur();
+    CrochetsScript.conv = ConvDepuisScript;
+}
+
+} // namespace
+
 int Demarre(const char* ligne, const char* argv0) {
+    InstalleCrochets();
     NbElements = 0;
     EditeurOuvert = false;
     PlateformeCourante.afficheAttente(1);
@@ -71,6 +86,7 @@ int Demarre(const char* ligne, const char* argv0) {
     // Defaults of every setting, default folders and the main script's names.
     ReinitialiseReglages();
     InitialiseModeles();
+    messages = 0; // until the first script has ended
 
     char projet[TAILLE_CHEMIN_PROJET];
     ModeDemarrage mode = AnalyseLigneCommande(ligne, projet, sizeof projet);

@@ -26,3 +26,36 @@ void EcritChaineEchappee(char* sortie, const char* texte, char guillemet, size_t
     sortie[pos++] = guillemet;
     sortie[pos] = 0;
 }
+
+const char* CopieChaineEchappee(char* sortie, const char* texte, size_t taille) {
+    if (sortie && taille) sortie[0] = 0;
+    if (!texte || !EstGuillemet(texte[0])) return texte;
+    char guillemet = texte[0];
+    // First find the closing quote: an unclosed string copies nothing.
+    const char* fin = texte + 1;
+    while (*fin && *fin != guillemet) {
+        if (*fin == '\\' && fin[1]) ++fin;
+        ++fin;
+    }
+    if (*fin != guillemet) return texte;
+
+    size_t pos = 0;
+    auto ecrit = [&](char c) {
+        if (sortie && pos + 1 < taille) sortie[pos++] = c;
+    };
+    for (const char* p = texte + 1; p < fin; ++p) {
+        if (*p == '\\' && p + 1 < fin) {
+            ++p;
+            if (*p == 'n') {
+                ecrit('\r');
+                ecrit('\n');
+            } else if (*p == 'b')
+                ecrit('\b');
+            else
+                ecrit(*p);
+        } else
+            ecrit(*p);
+    }
+    if (sortie && taille) sortie[pos] = 0;
+    return fin + 1;
+}

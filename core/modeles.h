@@ -30,3 +30,13 @@ extern int ModeleSelectionne;
 void InitialiseModeles();
 // 12 plus the sizes of the model's parameters.
 int32_t TailleModele(const ModeleParametres& modele);
+
+// Slot of the model of that exact name, or -1.
+int TrouveModele(const char* nom);
+// Selects the model of that name; absent: the box "Model %s not found".
+void ChoisitModele(const char* nom);
+// The same with no message: 1 when found (its size is recomputed), else 0.
+int SelectionneModele(const char* nom);
+// Adds a parameter to a model, or replaces the one of that name. Nothing
+// happens with an empty name or 100 parameters already.
+void AjouteParametre(ModeleParametres& modele, const char* nom, int genre, int taille, const char* defaut);

@@ -87,8 +87,11 @@ struct ReglagesEditeur {
     int masqueZero = 0;         // editeur.masquezero / zeromask
     int timing = 10;            // editeur.timing
     double zoom = 1.0;          // editeur.zoom
+    int bitsMasqueZero = 1;     // bits.masquezero / zeromask
 };
 extern ReglagesEditeur ReglagesEdit;
+
+constexpr int NB_PLANS_MAX = 20;
 
 struct ReglagesFonds {
     int alphaPremierPlan = 160; // fonds.alphapremplan / alphaforeground
@@ -96,6 +99,7 @@ struct ReglagesFonds {
     int transparence = 0;       // fonds.transparence / transparency
     int alphaHex = 96;          // fonds.alphahex
     int alphaGfx = 128;         // fonds.alphagfx
+    int visible[NB_PLANS_MAX] = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}; // fonds.visible[n]
 };
 extern ReglagesFonds ReglagesPlans;
 
