@@ -8,6 +8,7 @@
 #include "core/projet.h"
 #include "core/reglages.h"
 #include "editor/editeur.h"
+#include "format/formats.h"
 #include "platform/fichiers.h"
 #include "platform/plateforme.h"
 #include "platform/texte.h"
@@ -67,6 +68,7 @@ void ConvDepuisScript(const char* texte) { ExecuteConv(texte); }
 // The calls from lower libraries up to the ones that own them.
 void InstalleCrochets() {
     InstalleInterpreteur();
+    InstalleFormats();
     CrochetsScript.conv = ConvDepuisScript;
 }
 
@@ -91,6 +93,7 @@ int Demarre(const char* ligne, const char* argv0) {
     char projet[TAILLE_CHEMIN_PROJET];
     ModeDemarrage mode = AnalyseLigneCommande(ligne, projet, sizeof projet);
     DefinitProjet(projet);
+    InitialiseFormats();
 
     ChargeProjet(CheminProjet);
     DefinitProjet(CheminProjet);
