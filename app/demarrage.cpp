@@ -9,6 +9,7 @@
 #include "core/reglages.h"
 #include "editor/editeur.h"
 #include "format/formats.h"
+#include "format/variables.h"
 #include "platform/fichiers.h"
 #include "platform/plateforme.h"
 #include "platform/texte.h"
@@ -97,6 +98,7 @@ int Demarre(const char* ligne, const char* argv0) {
 
     ChargeProjet(CheminProjet);
     DefinitProjet(CheminProjet);
+    SauveVariables(); // the template variables as the project's scripts left them
     CreeSurfaceApercu();
 
     if (mode == MODE_LOT) {

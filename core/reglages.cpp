@@ -25,6 +25,8 @@ int tiley = 8;
 int sizex = 0;
 int sizey = 0;
 int NbTuiles = 0;
+int tilebase = 0;
+int gfxmask = -1;
 
 void ReinitialiseReglages() {
     ReglagesConv = ReglagesConversion{};
@@ -34,6 +36,8 @@ void ReinitialiseReglages() {
     ReglagesHexa = ReglagesModeHexa{};
     tilex = tiley = 8;
     sizex = sizey = NbTuiles = 0;
+    tilebase = 0;
+    gfxmask = -1;
     CopieBornee(ScriptPrincipal, "script.spt");
     CopieBornee(AideUtilisateur, "lisezmoi.htm");
     RepertoireNote[0] = 0;

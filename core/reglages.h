@@ -60,6 +60,9 @@ extern int tiley; // convert.tiley
 extern int sizex;
 extern int sizey;
 extern int NbTuiles;
+// How map cells reach tiles: cell + tilebase, ANDed with gfxmask.
+extern int tilebase; // tile base setting, start value 0
+extern int gfxmask;  // gfx mask setting, start value -1 (all bits)
 
 // ---- System ----------------------------------------------------------------
 
