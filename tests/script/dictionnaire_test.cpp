@@ -166,8 +166,9 @@ TEST_F(Dictionnaire, DossierDeCartesParIndiceOuParNom) {
     EXPECT_STREQ(DossierDefaut[TYPE_CARTE], "cartes");
     Execute("dossiers.cartes = \"autres\"");
     EXPECT_STREQ(DossierDefaut[TYPE_CARTE], "autres");
-    for (int i = 0; i < NB_DOSSIERS_DEFAUT; ++i)
+    for (int i = 0; i < NB_DOSSIERS_DEFAUT; ++i) {
         if (i != TYPE_CARTE) EXPECT_STREQ(DossierDefaut[i], "") << i;
+    }
 }
 
 TEST_F(Dictionnaire, SystemeObjetsMemoireEtEmulGba) {

@@ -33,8 +33,7 @@ const char* const PROCEDURES = "editor.timing = 1\n"
                                "_derniere: ; autre\n"
                                "editor.zeromask = 1\n"
                                "onquit:\n"
-                               "pas_une: etiquette\n"
-                               "_a:b:\n";
+                               "aideperso = \"c:/aide.htm\"\n";
 
 struct Evenements : ::testing::Test {
     DossierTemporaire dossier;
@@ -130,7 +129,4 @@ TEST(NomScriptParams, DeuxiemePointDepuisLaFin) {
         NomScriptParams(c.fichier, sortie, sizeof sortie);
         EXPECT_STREQ(sortie, c.attendu) << c.fichier;
     }
-    char court[8];
-    NomScriptParams("niveau.map.c", court, sizeof court);
-    EXPECT_STREQ(court, "niveau.");
 }
