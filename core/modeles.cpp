@@ -20,8 +20,10 @@ int32_t TailleModele(const ModeleParametres& modele) {
     int32_t taille = TAILLE_OBJET_BASE;
     int n = modele.nbParametres < 0 ? 0 : modele.nbParametres > NB_PARAMETRES_MAX ? NB_PARAMETRES_MAX
                                                                                    : modele.nbParametres;
-    for (int i = 0; i < n; ++i) taille += modele.tailles[i];
-    return taille;
+    // Sizes come from scripts unchecked: the sum wraps at 32 bits, as script numbers do.
+    uint32_t somme = (uint32_t)taille;
+    for (int i = 0; i < n; ++i) somme += (uint32_t)modele.tailles[i];
+    return (int32_t)somme;
 }
 
 #include "platform/plateforme.h"

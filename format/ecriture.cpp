@@ -116,29 +116,29 @@ void EcritValeur(FILE* fichier, const char* format, uint32_t valeur) {
             continue;
         }
         const char* q = p + 1;
-        char spec[8] = "%";
+        char conversion[8] = "%";
         size_t n = 1;
         if (q[0] == '0' && q[1] >= '0' && q[1] <= '9') {
             largeur = q[1] - '0';
-            spec[n++] = '0';
-            spec[n++] = q[1];
+            conversion[n++] = '0';
+            conversion[n++] = q[1];
             q += 2;
         } else if (q[0] >= '1' && q[0] <= '9') {
             largeur = q[0] - '0';
-            spec[n++] = q[0];
+            conversion[n++] = q[0];
             q += 1;
         }
         char lettre = *q;
         if (!lettre) break;
         if (lettre == 'i' || lettre == 'x' || lettre == 'X') {
-            spec[n++] = lettre;
-            spec[n] = 0;
+            conversion[n++] = lettre;
+            conversion[n] = 0;
             char texte[32];
-            // spec is only "%", an optional width and the letter.
+            // conversion is only "%", an optional width and the letter.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
-            int l = lettre == 'i' ? snprintf(texte, sizeof texte, spec, (int)(int32_t)valeur)
-                                  : snprintf(texte, sizeof texte, spec, (unsigned)valeur);
+            int l = lettre == 'i' ? snprintf(texte, sizeof texte, conversion, (int)(int32_t)valeur)
+                                  : snprintf(texte, sizeof texte, conversion, (unsigned)valeur);
 #pragma GCC diagnostic pop
             if (l > 0) fwrite(texte, 1, (size_t)l < sizeof texte ? (size_t)l : sizeof texte - 1, fichier);
         } else if (lettre == 'b') {

@@ -143,6 +143,15 @@ const CleSection ClesSection[] = {
     {"ext", offsetof(SectionFormat, ext)},
 };
 
+// A decimal number with an optional sign, wrapping at 32 bits.
+int32_t LitNombreDecimal(const char* p) {
+    bool negatif = *p == '-';
+    if (*p == '-' || *p == '+') ++p;
+    uint32_t v = 0;
+    for (; *p >= '0' && *p <= '9'; ++p) v = v * 10u + (uint32_t)(*p - '0');
+    return (int32_t)(negatif ? 0u - v : v);
+}
+
 void AppliqueCle(DefinitionFormat& d, int section, const char* cle, const char* valeur) {
     for (const CleSection& c : ClesSection) {
         if (strcmp(cle, c.nom) != 0) continue;
@@ -152,7 +161,7 @@ void AppliqueCle(DefinitionFormat& d, int section, const char* cle, const char* 
         }
         SectionFormat& s = d.sections[section];
         if (c.champ == N_EVERY) {
-            s.n_every = atoi(valeur);
+            s.n_every = LitNombreDecimal(valeur);
             return;
         }
         if (const char* texte = StockeTexte(valeur)) *(const char**)((char*)&s + c.champ) = texte;

@@ -207,6 +207,10 @@ bool Recupere(const TamponLecture& t, int32_t debutValeur, const char*& place, i
 int32_t LitGabarit(int32_t position, const TamponLecture& t, const char* gabarit) {
     const int32_t echec = EchecLecture(t);
     if (!gabarit || position < 0 || position > t.taille) return echec;
+    // A last literal is not compared: passing it may go beyond the data.
+    auto Apres = [&](int32_t p, size_t longueur) {
+        return (int64_t)p + (int64_t)longueur > t.taille ? echec : p + (int32_t)longueur;
+    };
     const char* place = gabarit;
     while (*place == '\b') ++place;
     // Junk before the head is skipped without a word.
@@ -217,7 +221,7 @@ int32_t LitGabarit(int32_t position, const TamponLecture& t, const char* gabarit
     for (;;) {
         // The literal, compared with the data; the template's last one is not.
         Litteral l = LitLitteral(place);
-        if (!*l.fin) return position + (int32_t)l.texte.size();
+        if (!*l.fin) return Apres(position, l.texte.size());
         if (!EstA(t, position, l.texte)) {
             MessageDebug("The file format doesn't match with the expected one.");
             return echec;
@@ -268,7 +272,7 @@ int32_t LitGabarit(int32_t position, const TamponLecture& t, const char* gabarit
             LitVariable(champ.c_str(), t.donnees + position, (size_t)(n < disponibles ? n : disponibles));
             position += n;
         }
-        if (!*d.fin) return position + (int32_t)d.texte.size();
+        if (!*d.fin) return Apres(position, d.texte.size());
     }
 }
 

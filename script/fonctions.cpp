@@ -7,6 +7,7 @@
 #include "core/chaines.h"
 #include "core/modeles.h"
 #include "core/reglages.h"
+#include "platform/fichiers.h"
 #include "platform/plateforme.h"
 #include "platform/texte.h"
 #include "script/crochets.h"
@@ -76,9 +77,17 @@ void Msgbox(char* a) {
     }
 }
 
-// Includes nest; past this depth a file that includes itself is refused.
+// Includes nest, 32 deep at most, and a file that is running is not included
+// again: a script that includes itself would otherwise never end.
 constexpr int PROFONDEUR_INCLUSION_MAX = 32;
+char CheminsInclus[PROFONDEUR_INCLUSION_MAX][TAILLE_CHEMIN_PROJET];
 int ProfondeurInclusion = 0;
+
+bool DejaInclus(const char* complet) {
+    for (int i = 0; i < ProfondeurInclusion; ++i)
+        if (strcmp(CheminsInclus[i], complet) == 0) return true;
+    return false;
+}
 
 void Inclure(char* a) {
     char* chemin = LitChaine(&a);
@@ -86,9 +95,11 @@ void Inclure(char* a) {
         ErreurScript("Function: include\nFilename incorrectly defined (don't forget quote marks)");
         return;
     }
+    char complet[TAILLE_CHEMIN_PROJET];
+    if (!CheminComplet(chemin, complet, sizeof complet)) CopieBornee(complet, chemin);
     bool ouvert = false;
-    if (ProfondeurInclusion < PROFONDEUR_INCLUSION_MAX) {
-        ++ProfondeurInclusion;
+    if (ProfondeurInclusion < PROFONDEUR_INCLUSION_MAX && !DejaInclus(complet)) {
+        CopieBornee(CheminsInclus[ProfondeurInclusion++], complet);
         ouvert = ExecuteFichierScript(chemin, nullptr) != 0;
         --ProfondeurInclusion;
     }
@@ -286,6 +297,14 @@ void AjParam(char* a) {
 
 // ---- Shared helpers ----------------------------------------------------------------
 
+int LitChiffres(const char*& p) {
+    // The next run of digits, wrapping at 32 bits as script numbers do.
+    while (*p && !(*p >= '0' && *p <= '9')) ++p;
+    uint32_t v = 0;
+    for (; *p >= '0' && *p <= '9'; ++p) v = v * 10u + (uint32_t)(*p - '0');
+    return (int)v;
+}
+
 int NomDeBloc(const char* arguments, char* nom, size_t taille) {
     if (arguments[0] == '"') {
         const char* fin = strchr(arguments + 1, '"');
@@ -330,12 +349,8 @@ void DefinitModele(FILE* fichier, const char* nom) {
         if (!*p || *p == '{') continue;
         if (*p == '}') break;
         // Kind, size, then the name and the default value as quoted strings.
-        while (*p && !(*p >= '0' && *p <= '9')) ++p;
-        int genre = atoi(p);
-        while (*p >= '0' && *p <= '9') ++p;
-        while (*p && !(*p >= '0' && *p <= '9')) ++p;
-        int taille = atoi(p);
-        while (*p >= '0' && *p <= '9') ++p;
+        int genre = LitChiffres(p);
+        int taille = LitChiffres(p);
         char nomParametre[100], defaut[1024];
         nomParametre[0] = defaut[0] = 0;
         for (char* champ : {nomParametre, defaut}) {

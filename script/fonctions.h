@@ -38,6 +38,8 @@ extern char ModeleNote[TAILLE_CHAINE_SCRIPT];
 // text before "{" on the same line. Gives 0, with the message, when an
 // unquoted name has no "{".
 int NomDeBloc(const char* arguments, char* nom, size_t taille);
+// The next run of digits from p, which moves behind it; wraps at 32 bits.
+int LitChiffres(const char*& p);
 // 1 for a bit number the bits window knows (8 to 15); else the message.
 int VerifieNumeroBit(int bit);
 // Reads a defmodele block from the file and stores the model of that name.

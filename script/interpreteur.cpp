@@ -131,7 +131,8 @@ void Analyse(char* ligne, Instruction& ins) {
         if (*p == '.') {
             p = LitNom(SauteBlancs(p + 1), "=[", ins.membre);
         } else if (*p == '[') {
-            ins.indice = LitNombre(p + 1) - 1;
+            // Numbers wrap at 32 bits, and so does the index less 1.
+            ins.indice = (int)((uint32_t)LitNombre(p + 1) - 1u);
             char* ferme = strchr(p, ']');
             p = ferme ? ferme + 1 : p + strlen(p);
         } else if (*p == '=') {
@@ -206,7 +207,7 @@ void Execute(Instruction& ins) {
         const TableauScript& t = *ligne->tableau;
         if (ins.indice < 0 || ins.indice >= t.nombre) {
             ErreurScript("Table %s of object %s.\nThe array index (%i) is out of bounds.", ins.membre, ins.objet,
-                         ins.indice + 1);
+                         (int)((uint32_t)ins.indice + 1u));
             return;
         }
         char* base = (char*)t.base;

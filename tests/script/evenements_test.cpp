@@ -14,7 +14,8 @@ namespace {
 
 std::string Menu(const std::vector<ElementMenu>& menu) {
     std::string s;
-    for (const ElementMenu& m : menu) s += m.texte + "|" + std::to_string(m.commande) + (m.actif ? "" : "|off") + "\n";
+    for (const ElementMenu& m : menu)
+        s += m.texte + "|" + std::to_string(m.commande) + (m.actif ? "" : "|off") + "\n";
     return s;
 }
 
@@ -80,7 +81,8 @@ TEST_F(Evenements, ChoisirUneProcedureExecuteSonEtiquette) {
 }
 
 TEST_F(Evenements, CrochetOnquit) {
-    ScriptDuProjet("onstart:\neditor.timing = 3\nfin\nOnQuit:\neditor.grid = 1\nretour 0\neditor.alphagrid = 1\n");
+    ScriptDuProjet(
+        "onstart:\neditor.timing = 3\nfin\nOnQuit:\neditor.grid = 1\nretour 0\neditor.alphagrid = 1\n");
     EXPECT_EQ(ExecuteEvenement("onquit"), 0);
     EXPECT_EQ(ReglagesEdit.timing, 10);
     EXPECT_EQ(ReglagesEdit.grille, 1);

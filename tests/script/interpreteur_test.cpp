@@ -3,6 +3,7 @@
 #include "core/modeles.h"
 #include "core/reglages.h"
 #include "script/crochets.h"
+#include "script/fonctions.h"
 #include "tests/support/enregistreur.h"
 
 #include <gtest/gtest.h>
@@ -15,9 +16,9 @@ namespace {
 const std::string ERREUR = "[Macro execution error] ";
 
 // Runs the text as a script file of the working directory.
-void Execute(const std::string& texte, const char* etiquette = nullptr) {
+void Execute(const std::string& texte) {
     EcritFichier("essai.spt", texte);
-    ASSERT_EQ(ExecuteFichierScript("essai.spt", etiquette), 1);
+    ASSERT_EQ(ExecuteFichierScript("essai.spt", nullptr), 1);
 }
 
 // What conv saw: its text, and the state of the run at that moment.
@@ -27,7 +28,15 @@ struct AppelConv {
     bool selection;
 };
 std::vector<AppelConv> AppelsConv;
-void ConvEnregistre(const char* texte) { AppelsConv.push_back({texte, messages, SelectionArbreActive}); }
+void ConvEnregistre(const char* texte) {
+    AppelsConv.push_back({texte, messages, SelectionArbreActive});
+}
+
+// A function of an indexed object: its arguments and the statement's index.
+std::vector<std::string> AppelsIndexes;
+void GrilleEnregistree(char* arguments) {
+    AppelsIndexes.push_back(std::to_string(IndiceCourant) + "|" + arguments);
+}
 
 std::vector<std::string> Commandes;
 int CommandeEnregistree(const char* ligne) {
@@ -38,6 +47,15 @@ int CommandeEnregistree(const char* ligne) {
 struct Interpreteur : ::testing::Test {
     DossierTemporaire dossier;
     EnregistreurMessages e;
+    Interpreteur() {
+        AppelsConv.clear();
+        AppelsIndexes.clear();
+        Commandes.clear();
+    }
+    ~Interpreteur() override {
+        CrochetsScript = CrochetsScriptParDefaut;
+        Fonctions = FonctionsParDefaut;
+    }
 };
 
 } // namespace
@@ -52,16 +70,14 @@ TEST(InterpreteurFichier, CheminVideOuAbsentDonneZero) {
     EXPECT_EQ(ResultatScript, 1);
 }
 
-TEST_F(Interpreteur, CasseReplieeHorsDesChainesSeulement) {
+TEST_F(Interpreteur, CasseCommentairesEtGuillemets) {
+    CrochetsScript.conv = ConvEnregistre;
     Execute("SCRIPT = \"Mon Script.SPT\"\nEditeur.Timing = 0X1F\nConvert.Mode = HalfTone\n");
     EXPECT_STREQ(ScriptPrincipal, "Mon Script.SPT");
     EXPECT_EQ(ReglagesEdit.timing, 31);
     EXPECT_EQ(ReglagesConv.mode, 1);
-    EXPECT_TRUE(e.messages.empty());
-}
 
-TEST_F(Interpreteur, CommentairesEtGuillemets) {
-    CrochetsScript.conv = ConvEnregistre;
+    ReglagesEdit.timing = 10;
     Execute("script = \"a#b;c\"   # commentaire \"x\"\n"
             "aideperso = 'd\"e;f' ; autre\n"
             "directory = *l'un#*\n"
@@ -82,8 +98,8 @@ TEST_F(Interpreteur, CommentairesEtGuillemets) {
 
 TEST_F(Interpreteur, LigneTropLongueContinueCommeLigneSuivante) {
     // The first 999 characters are a comment; the rest runs as a line of its own.
-    Execute("#" + std::string(998, 'x') + "editeur.timing = 7\n" +
-            "editeur.grille = 1" + std::string(999 - 18, ' ') + "\n" + "editeur.alphagrille = 5\n");
+    Execute("#" + std::string(998, 'x') + "editeur.timing = 7\n" + "editeur.grille = 1" +
+            std::string(999 - 18, ' ') + "\n" + "editeur.alphagrille = 5\n");
     EXPECT_EQ(ReglagesEdit.timing, 7);
     EXPECT_EQ(ReglagesEdit.grille, 1);
     EXPECT_EQ(ReglagesEdit.alphaGrille, 5);
@@ -108,11 +124,12 @@ TEST_F(Interpreteur, FormesDeLaGrammaire) {
         EXPECT_EQ(ReglagesConv.nuances, 5) << ligne;
     }
     // The index may stand behind the object or behind the member.
-    for (const char* ligne : {"fonds.visible[3] = 0", "fonds[3].visible = 0", "maps [3] . visible 0",
-                              "fonds.visible[3]=0"}) {
+    for (const char* ligne :
+         {"fonds.visible[3] = 0", "fonds[3].visible = 0", "maps [3] . visible 0", "fonds.visible[3]=0"}) {
         ReglagesPlans = ReglagesFonds{};
         Execute(ligne);
-        for (int i = 0; i < NB_PLANS_MAX; ++i) EXPECT_EQ(ReglagesPlans.visible[i], i == 2 ? 0 : 1) << ligne;
+        for (int i = 0; i < NB_PLANS_MAX; ++i)
+            EXPECT_EQ(ReglagesPlans.visible[i], i == 2 ? 0 : 1) << ligne;
     }
     // A later member replaces the earlier one; a dot within a member name is part of it.
     Execute("fonds.alphahex .alphagfx = 7");
@@ -120,8 +137,15 @@ TEST_F(Interpreteur, FormesDeLaGrammaire) {
     EXPECT_EQ(ReglagesPlans.alphaHex, 96);
     EXPECT_TRUE(e.messages.empty());
     Execute("fonds.alphahex.alphagfx = 8");
-    EXPECT_EQ(e.messages, std::vector<std::string>{ERREUR +
-                                                   "The method alphahex.alphagfx of the object fonds doesn't exist."});
+    EXPECT_EQ(e.messages, std::vector<std::string>{
+                              ERREUR + "The method alphahex.alphagfx of the object fonds doesn't exist."});
+}
+
+TEST_F(Interpreteur, IndiceCourantPourLesFonctions) {
+    Fonctions.fondsGrille = GrilleEnregistree;
+    Execute("fonds[2].grille 8, 8\nmaps.grid[5] = 16 4\nfonds.stepping 1\n");
+    const std::vector<std::string> attendus = {"1|8, 8", "4|16 4", "0|1"};
+    EXPECT_EQ(AppelsIndexes, attendus);
 }
 
 TEST_F(Interpreteur, MessagesDErreurExacts) {
@@ -135,6 +159,8 @@ TEST_F(Interpreteur, MessagesDErreurExacts) {
         {"convert = 3", "The method  of the object convert doesn't exist."},
         {"fonds.visible[21] = 1", "Table visible of object fonds.\nThe array index (21) is out of bounds."},
         {"fonds[0].visible = 1", "Table visible of object fonds.\nThe array index (0) is out of bounds."},
+        {"fonds.visible[0x80000000] = 1",
+         "Table visible of object fonds.\nThe array index (-2147483648) is out of bounds."},
         {"deffolder[11] = \"x\"", "Table  of object deffolder.\nThe array index (11) is out of bounds."},
         {"script = abc", "Object script.\nIt is missing arguments and/or their type is wrong."},
         {"deffolder[1] = abc", "Object deffolder.\nIt is missing arguments and/or their type is wrong."},
@@ -153,7 +179,8 @@ TEST_F(Interpreteur, MessagesDErreurExacts) {
 }
 
 TEST_F(Interpreteur, UneErreurNArretePasLeScript) {
-    Execute("bidule = 1\neditor.timing = 3\nconvert = 3\nfonds.visible[21] = 0\nscript = x\neditor.grid = 1\n");
+    Execute(
+        "bidule = 1\neditor.timing = 3\nconvert = 3\nfonds.visible[21] = 0\nscript = x\neditor.grid = 1\n");
     EXPECT_EQ(e.messages.size(), 4u);
     EXPECT_EQ(ReglagesEdit.timing, 3);
     EXPECT_EQ(ReglagesEdit.grille, 1);
@@ -207,8 +234,8 @@ TEST_F(Interpreteur, FinRetourEtQuitteArretentLeScript) {
         const char* instruction;
         int fin;
         int resultat;
-    } cas[] = {{"retour 5", 1, 5}, {"return 0x10", 1, 16}, {"retour", 1, 0},
-               {"fin", 1, 1},      {"End", 1, 1},         {"quitte", 2, 1}, {"QUIT", 2, 1}};
+    } cas[] = {{"retour 5", 1, 5}, {"return 0x10", 1, 16}, {"retour", 1, 0}, {"fin", 1, 1},
+               {"End", 1, 1},      {"quitte", 2, 1},       {"QUIT", 2, 1}};
     for (const auto& c : cas) {
         ReglagesEdit = ReglagesEditeur{};
         Execute(std::string("editor.grid = 1\n") + c.instruction + "\neditor.timing = 3\n");
@@ -252,7 +279,8 @@ TEST_F(Interpreteur, MsgboxTexteEtTitre) {
         "[Titre] Ab",
     };
     EXPECT_EQ(e.messages, attendus);
-    for (int style : e.styles) EXPECT_EQ(style, BOITE_OKANNULER | ICONE_INFORMATION);
+    for (int style : e.styles)
+        EXPECT_EQ(style, BOITE_OKANNULER | ICONE_INFORMATION);
     EXPECT_EQ(FinScript, 0);
 }
 
@@ -317,11 +345,20 @@ TEST_F(Interpreteur, IncludeEnErreur) {
 }
 
 TEST_F(Interpreteur, IncludeDeSoiMemeSeTermine) {
-    EcritFichier("soi.spt", "include \"soi.spt\"\neditor.grid = 1\n");
+    // Twice in itself: without a guard this would run 2^32 times. A file
+    // already being included is refused, once per attempt.
+    EcritFichier("soi.spt", "include \"soi.spt\"\ninclude \"soi.spt\"\neditor.grid = 1\n");
     ASSERT_EQ(ExecuteFichierScript("soi.spt", nullptr), 1);
     EXPECT_EQ(ReglagesEdit.grille, 1);
     EXPECT_EQ(FinScript, 0);
-    for (const std::string& m : e.messages) EXPECT_EQ(m, "[Unable to include this file] soi.spt");
+    EXPECT_EQ(e.messages, std::vector<std::string>(4, "[Unable to include this file] soi.spt"));
+    // Two files that include each other end the same way.
+    EcritFichier("a.spt", "include \"b.spt\"\n");
+    EcritFichier("b.spt", "include \"a.spt\"\neditor.timing = 7\n");
+    e.messages.clear();
+    Execute("include \"a.spt\"\n");
+    EXPECT_EQ(ReglagesEdit.timing, 7);
+    EXPECT_EQ(e.messages, std::vector<std::string>{"[Unable to include this file] a.spt"});
 }
 
 TEST_F(Interpreteur, ExecLanceLaCommande) {
