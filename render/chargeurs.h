@@ -1,0 +1,28 @@
+// Element files: the loaders of palettes, bitmaps, tilesets and maps. Each
+// reads a file written through a format back into memory (palettes and tiles
+// into caller buffers, bitmaps straight into SurfaceApercu, map cells into a
+// caller buffer), following the links to the files it depends on.
+#pragma once
+#include <cstdint>
+
+constexpr int UNITES_MAX = 8192;            // 8 x 8 units a tileset may hold
+constexpr int64_t CELLULES_MAX = 4096 * 4096; // cells a map may declare
+
+// The path of the last map loaded, for the editor.
+extern char CheminCarteChargee[260];
+
+// A palette into 256 entries of blue, green, red (component x 8), cleared
+// first. Gives the number of colours read, 0 on failure.
+int ChargePalette(uint8_t* palette, const char* chemin);
+// A bitmap of the element's row, drawn into SurfaceApercu.
+void ChargeBitmap16(int element);
+void ChargeBitmap8(int element);
+// A tileset: 8 x 8 units of 64 words each into *tuiles (allocated with malloc
+// when null; the caller frees it), and its palette when one is wanted. raw
+// keeps 15-bit values as in the file. Gives the units read; 0 on failure; -1
+// after the memory message (the tiles are freed then).
+int ChargeMosaique(uint8_t* palette, uint32_t** tuiles, const char* chemin, bool brut);
+// A map of the element's row, with its tileset and palette: cells (32-bit,
+// row by row) into *cellules, allocated and cleared when null. sizex and sizey
+// hold its size in cells. Gives 1 on success, 0 on failure.
+int ChargeCarte(uint8_t* palette, uint32_t** tuiles, uint32_t** cellules, int element);
