@@ -7,6 +7,8 @@
 #include "core/reglages.h"
 #include "format/formats.h"
 #include "format/lecture.h"
+#include "format/liste.h"
+#include "core/modeles.h"
 #include "format/variables.h"
 #include "platform/plateforme.h"
 #include "platform/texte.h"
@@ -314,4 +316,124 @@ int ChargeCarte(uint8_t* palette, uint32_t** tuiles, uint32_t** cellules, int el
     memcpy(TextesUser, textes, sizeof textes);
     LibereTampon(t);
     return bon ? 1 : 0;
+}
+
+// ---- Lists -----------------------------------------------------------------------------
+
+namespace {
+
+// No list of the system comes near this: a model or a maximum that asks for
+// more is refused rather than tried.
+constexpr uint64_t OCTETS_LISTE_MAX = 64u << 20;
+
+void ValeursParDefaut(const ModeleParametres& modele, uint8_t* objet) {
+    for (int i = 0; i < modele.nbParametres && i < NB_PARAMETRES_MAX; ++i) {
+        uint8_t* champ = objet + TAILLE_OBJET_BASE + DecalageParametre(modele, i);
+        if (modele.genres[i] == PARAMETRE_BRUT) {
+            if (modele.tailles[i] > 0) CopieBornee((char*)champ, (size_t)modele.tailles[i], modele.defauts[i]);
+        } else {
+            int32_t v = (int32_t)strtol(modele.defauts[i], nullptr, 10);
+            memcpy(champ, &v, 4);
+        }
+    }
+}
+
+// Reads the objects from a position; gives false when a mismatch was met.
+bool LitObjets(const TamponLecture& t, int32_t pos, const SectionFormat& s, const ModeleParametres& modele,
+               ListeObjets& liste, int nombre, int mode, const char* marque) {
+    bool erreur = false;
+    liste.nombre = 0;
+    for (int i = 0; i < nombre; ++i) {
+        if (s.n_every > 0 && i % s.n_every == 0) pos = LitGabarit(pos, t, s.every_x);
+        if (Echoue(t, pos)) break;
+        pos = LitObjetListe(pos, t, GabaritListe, modele, liste.objets + (size_t)i * liste.taille, mode, marque,
+                            erreur);
+        if (Echoue(t, pos)) break;
+        liste.nombre = i + 1;
+        pos = LitGabarit(pos, t, s.line);
+        if (Echoue(t, pos)) break;
+    }
+    return !erreur;
+}
+
+} // namespace
+
+int ChargeListe(uint8_t* palette, uint32_t** tuiles, int element, ListeObjets& liste) {
+    if (element < 0 || element >= NbElements || !tuiles) return 0;
+    const char* chemin = Elements[element].fichier;
+    CopieBornee(CheminCarteChargee, chemin);
+    TamponLecture t;
+    if (!Ouvre(chemin, t, "The specified map file doesn't exist")) return 0;
+    EffaceApercu();
+    char nom[TAILLE_CHEMIN_PROJET] = "", lien[TAILLE_CHEMIN_PROJET] = "", type[TAILLE_CHEMIN_PROJET] = "";
+    char modeleNom[TAILLE_NOM_MODELE];
+    int choisi = ModeleSelectionne >= 0 && ModeleSelectionne < NB_MODELES_MAX ? ModeleSelectionne : 0;
+    CopieBornee(modeleNom, TableModeles[choisi].nom);
+    MetTamponVariable("name", nom, sizeof nom);
+    MetTamponVariable("link", lien, sizeof lien);
+    MetTamponVariable("type", type, sizeof type);
+    MetTamponVariable("model", modeleNom, sizeof modeleNom);
+    const SectionFormat s = FormatCourant.sections[SECTION_LIST];
+    const int32_t debut = LitGabarit(0, t, s.declaration);
+    if (Echoue(t, debut)) {
+        LibereTampon(t);
+        return 0;
+    }
+    const int32_t nombre = ValeurVariable("size");
+    const int tx = tilex, ty = tiley, largeur = sizex, hauteur = sizey;
+    char textes[9][TAILLE_TEXTE_USER];
+    memcpy(textes, TextesUser, sizeof textes);
+    auto Fin = [&](int resultat) {
+        memcpy(TextesUser, textes, sizeof textes);
+        LibereTampon(t);
+        return resultat;
+    };
+
+    if (!SelectionneModele(modeleNom)) {
+        BoiteMessageF("Error", BOITE_OK | ICONE_ARRET, "Unable to use the specified parameter model: %s", modeleNom);
+        return Fin(0);
+    }
+    ConstruitGabaritListe();
+    const ModeleParametres& modele = TableModeles[ModeleSelectionne];
+    const int32_t taille = TailleModele(modele);
+    const int capacite = ReglagesSys.objetsMax;
+    if (taille < TAILLE_OBJET_BASE || capacite < 1 || (uint64_t)taille * (uint64_t)capacite > OCTETS_LISTE_MAX)
+        return Fin(0);
+    uint8_t* objets = (uint8_t*)realloc(liste.objets, (size_t)taille * (size_t)capacite);
+    if (!objets) return Fin(0);
+    liste.objets = objets;
+    liste.capacite = capacite;
+    liste.taille = taille;
+    liste.nombre = 0;
+    memset(liste.objets, 0, (size_t)taille * (size_t)capacite);
+
+    if (ChargeMosaique(palette, tuiles, lien, false) <= 0) return Fin(0);
+    tilex = tx;
+    tiley = ty;
+    sizex = tx > 0 ? largeur / tx : 0;
+    sizey = ty > 0 ? hauteur / ty : 0;
+    if (nombre > capacite) {
+        BoiteMessage("Unable to load this list because it contains more elements than the maximum allowed. Modify "
+                     "the maximum number of elements per list in the options.",
+                     chemin, BOITE_OK | ICONE_ATTENTION);
+        return Fin(0);
+    }
+    const int n = nombre > 0 ? nombre : 0;
+    if (!LitObjets(t, debut, s, modele, liste, n, LISTE_NORMALE, "")) {
+        memset(liste.objets, 0, (size_t)taille * (size_t)capacite);
+        if (BoiteMessage("The list format is incorrect, a more powerful algorithm will be tried to recuperate your "
+                         "file even if some data is missing or the model has changed. This operation can fail, so "
+                         "you have to verify if your list is correct before saving it.",
+                         "Attention", BOITE_OKANNULER | ICONE_ATTENTION) != REPONSE_OK)
+            return Fin(0);
+        for (int i = 0; i < n; ++i) ValeursParDefaut(modele, liste.objets + (size_t)i * taille);
+        // The end mark: the line template, else what follows the template's last field.
+        const char* marque = s.line;
+        if (!marque[0]) {
+            const char* dernier = strrchr(GabaritListe, '#');
+            marque = dernier ? dernier + 1 : "";
+        }
+        LitObjets(t, debut, s, modele, liste, n, LISTE_RECUPERATION, marque);
+    }
+    return Fin(1);
 }

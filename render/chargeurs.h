@@ -22,7 +22,20 @@ void ChargeBitmap8(int element);
 // keeps 15-bit values as in the file. Gives the units read; 0 on failure; -1
 // after the memory message (the tiles are freed then).
 int ChargeMosaique(uint8_t* palette, uint32_t** tuiles, const char* chemin, bool brut);
+// The objects of a list in memory: nombre objects of taille bytes each (x,
+// y, type, then the model's parameters), in room for capacite objects.
+struct ListeObjets {
+    uint8_t* objets = nullptr; // malloc'ed; the owner frees it
+    int capacite = 0;
+    int nombre = 0;
+    int taille = 0;
+};
+
 // A map of the element's row, with its tileset and palette: cells (32-bit,
 // row by row) into *cellules, allocated and cleared when null. sizex and sizey
 // hold its size in cells. Gives 1 on success, 0 on failure.
 int ChargeCarte(uint8_t* palette, uint32_t** tuiles, uint32_t** cellules, int element);
+// A list of the element's row with its tileset and palette. The objects' room
+// is made for system.objetsmax objects of the model's size. A file that does
+// not fit the template is offered a recovery pass. Gives 1 on success.
+int ChargeListe(uint8_t* palette, uint32_t** tuiles, int element, ListeObjets& liste);
