@@ -96,8 +96,9 @@ void ApercuMosaique(uint8_t* palette, const uint32_t* tuiles) {
     if (!palette || !tuiles || tilex < 8 || tiley < 8) return;
     Fond();
     EntreeFond(palette);
-    const int s = tilex * tiley / 64;
-    const int blocs = NbTuiles / s;
+    const int64_t s = (int64_t)tilex * tiley / 64;
+    const size_t mots = (size_t)(NbTuiles > 0 ? NbTuiles : 0) * 64; // words of the units in the buffer
+    const int blocs = (int)(NbTuiles / s);
     NbTuiles = blocs;
     const int parLigne = 256 / tilex > 0 ? 256 / tilex : 1;
     const int lignes = (blocs + parLigne - 1) / parLigne;
@@ -107,9 +108,12 @@ void ApercuMosaique(uint8_t* palette, const uint32_t* tuiles) {
         const int bx = (b % parLigne) * tilex, by = (b / parLigne) * tiley;
         if (by >= HauteurApercu) break;
         for (int j = 0; j < tiley / 8; ++j)
-            for (int i = 0; i < tilex / 8; ++i)
-                AfficheBloc(&SurfaceApercu, bx + i * 8, by + j * 8, 8, 8,
-                            tuiles + ((size_t)(j * (tilex / 8) + i) * 64 + (size_t)b * tilex * tiley), palette);
+            for (int i = 0; i < tilex / 8; ++i) {
+                const size_t debut = (size_t)(j * (tilex / 8) + i) * 64 + (size_t)b * tilex * tiley;
+                // A block side that isn't a multiple of 8 would reach past the units.
+                if (debut + 64 > mots) continue;
+                AfficheBloc(&SurfaceApercu, bx + i * 8, by + j * 8, 8, 8, tuiles + debut, palette);
+            }
     }
     sizex = 256;
     sizey = lignes * tiley;
@@ -117,12 +121,14 @@ void ApercuMosaique(uint8_t* palette, const uint32_t* tuiles) {
 
 void ApercuCarte(uint8_t* palette, const uint32_t* tuiles, const uint32_t* cellules) {
     if (!palette || !tuiles || !cellules || tilex < 8 || tiley < 8 || sizex <= 0 || sizey <= 0) return;
+    // A size in pixels past the int range comes from a damaged file: nothing to draw.
+    if ((int64_t)tilex * sizex > INT32_MAX || (int64_t)tiley * sizey > INT32_MAX) return;
     EntreeFond(palette);
     DimensionneApercu(tilex * sizex, tiley * sizey, false);
     const int maxX = LargeurApercu / tilex, maxY = HauteurApercu / tiley;
     const uint32_t masque = EmulGba ? 1023u : 0xFFFFFFFFu;
-    const int s = tilex * tiley / 64;            // units of one block
-    const int64_t unites = (int64_t)NbTuiles * s; // units held by the tile buffer
+    // Units held by the tile buffer: the loader counted (tilex / 8) x (tiley / 8) a block.
+    const int64_t unites = (int64_t)NbTuiles * (tilex / 8) * (tiley / 8);
     const VueTuiles vue{ReglagesConv.quatreBits, palette, tuiles};
     for (int y = 0; y < sizey && y <= maxY; ++y)
         for (int x = 0; x < sizex && x < maxX; ++x) {
@@ -138,9 +144,11 @@ void ApercuCarte(uint8_t* palette, const uint32_t* tuiles, const uint32_t* cellu
                         if ((int64_t)(valeur & CELLULE_TUILE) >= unites) continue;
                         AfficheTuile(&SurfaceApercu, tilex * x + i, tiley * y + j, vue, valeur, 0);
                     } else {
-                        AfficheBloc(&SurfaceApercu, tilex * x + i, tiley * y + j, 8, 8,
-                                    tuiles + ((size_t)((tilex / 8) * (j / 8) + i / 8) * 64 +
-                                              (size_t)tilex * tiley * (size_t)cellule),
+                        const uint64_t debut = (uint64_t)((tilex / 8) * (j / 8) + i / 8) * 64 +
+                                               (uint64_t)tilex * (uint64_t)tiley * (uint64_t)cellule;
+                        // A block side that isn't a multiple of 8 would reach past the units.
+                        if (debut + 64 > (uint64_t)unites * 64) continue;
+                        AfficheBloc(&SurfaceApercu, tilex * x + i, tiley * y + j, 8, 8, tuiles + debut,
                                     palette);
                     }
                 }

@@ -110,7 +110,8 @@ template <typename Pose> void LitBitmap(const TamponLecture& t, int32_t pos, con
     }
 }
 
-bool TailleBitmapValide() { return sizex > 0 && sizey > 0 && (int64_t)sizex * sizey <= CELLULES_MAX; }
+// A size that isn't positive goes on to DimensionneApercu, which reports it.
+bool TailleBitmapValide() { return (int64_t)sizex * sizey <= CELLULES_MAX; }
 
 } // namespace
 
@@ -295,8 +296,8 @@ int ChargeCarte(uint8_t* palette, uint32_t** tuiles, uint32_t** cellules, int el
     sizex = largeur;
     sizey = hauteur;
     if (bon) {
-        const int unitesParTuile = (tx / 8) * (ty / 8);
-        if (unitesParTuile > 0) NbTuiles /= unitesParTuile;
+        const int64_t unitesParTuile = (int64_t)(tx / 8) * (ty / 8);
+        if (unitesParTuile > 0) NbTuiles = (int)(NbTuiles / unitesParTuile);
         const char* format = typeCarte == 2 ? s.element3 : typeCarte == 1 ? s.element : s.element2;
         const bool colonne = s.line[0] != 0;
         for (int y = 0; y < hauteur; ++y) {

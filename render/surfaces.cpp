@@ -21,6 +21,7 @@ void CadreComplet() {
 int CreeSurfaceApercu() {
     LargeurApercu = LARGEUR_SURFACE_INITIALE;
     HauteurApercu = HAUTEUR_SURFACE_INITIALE;
+    ChoisitCadre(0, 0, LARGEUR_SURFACE_INITIALE, HAUTEUR_SURFACE_INITIALE);
     return CreeImage(SurfaceApercu, LARGEUR_SURFACE_INITIALE, HAUTEUR_SURFACE_INITIALE, 24);
 }
 

@@ -1,1 +1,656 @@
+// Element previews: small files of every kind written through the built-in
+// format, loaded and drawn as a selection in the tree draws them, and checked
+// pixel by pixel against a plain restatement of the layout rules; the memory
+// limit; missing, oversized and damaged files; the preview written as BMP.
+#include "render/apercus.h"
+
+#include "core/elements.h"
+#include "core/reglages.h"
+#include "format/ecriture.h"
+#include "format/formats.h"
+#include "format/variables.h"
+#include "render/blitters.h"
+#include "render/chargeurs.h"
+#include "render/surfaces.h"
+#include "tests/support/enregistreur.h"
+
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <random>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using Valeurs = std::vector<uint32_t>;
+using Textes = std::vector<std::string>;
+
+// What a conversion sets before writing one file. prof: tileset depth (4, 8,
+// 15) or map cell bits (8, 16, 32); l x h: size of a bitmap or map.
+struct Entete {
+    IndexSection section;
+    int prof = 0, l = 0, h = 0, tx = 8, ty = 8, blocs = 0, base = 0, masque = -1;
+    const char* lien = nullptr;
+};
+
+// A whole file; the globals are put back after, so a load must read them.
+void Ecrit(const char* chemin, const Entete& e, const Valeurs& v) {
+    FILE* f = fopen(chemin, "wb");
+    ASSERT_NE(f, nullptr);
+    RestaureVariables();
+    ChargeTextesUser();
+    const FormatChoisi& fc = FormatCourant;
+    const bool carte = e.section == SECTION_MAP, mosaique = e.section == SECTION_TILESET;
+    MetTexteVariable("file", "source.bmp");
+    MetTexteVariable("name", "essai");
+    if (e.lien) MetTexteVariable("link", mosaique && e.prof == 15 ? "" : e.lien);
+    MetTexteVariable("type", e.prof == 8 || (mosaique && e.prof == 4) ? fc.type8
+                             : e.prof == 32                           ? fc.type32
+                                                                      : fc.type16);
+    MetEntierVariable("depth", e.prof);
+    MetEntierVariable("size", mosaique ? e.blocs : e.section == SECTION_PALETTE ? (int)v.size() : 0);
+    MetEntierVariable("memory", (int)v.size() * 2);
+    sizex = e.l, sizey = e.h, tilex = e.tx, tiley = e.ty, tilebase = e.base, gfxmask = e.masque;
+    const SectionFormat& s = fc.sections[e.section];
+    EcritGabarit(s.declaration, f);
+    if (e.section == SECTION_PALETTE)
+        EcritValeursPalette(f, s, v.data(), (int)v.size());
+    else if (mosaique)
+        EcritValeursMosaique(f, s, v.data(), (int)v.size() / 64, 64, e.prof);
+    else
+        EcritValeursLignes(f, s,
+                           carte && e.prof == 8    ? s.element2
+                           : carte && e.prof == 32 ? s.element3
+                                                   : s.element,
+                           v.data(), e.l, e.h);
+    EcritGabarit(s.end, f);
+    fclose(f);
+    tilex = tiley = 8, sizex = sizey = tilebase = 0, gfxmask = -1;
+}
+void EcritPalette(const char* chemin, const Valeurs& v) {
+    Ecrit(chemin, {SECTION_PALETTE}, v);
+}
+void EcritBitmap(const char* chemin, const char* lien, int l, int h, const Valeurs& v) {
+    Ecrit(chemin, {lien ? SECTION_BITMAP8 : SECTION_BITMAP16, 0, l, h, 8, 8, 0, 0, -1, lien}, v);
+}
+void EcritMosaique(const char* chemin, int prof, int tx, int ty, int blocs, const Valeurs& v) {
+    Ecrit(chemin, {SECTION_TILESET, prof, 0, 0, tx, ty, blocs, 0, -1, "p.pal.c"}, v);
+}
+void EcritCarte(const char* chemin, const char* lien, int bits, int tx, int l, int h, const Valeurs& v,
+                int base = 0, int masque = -1) {
+    Ecrit(chemin, {SECTION_MAP, bits, l, h, tx, tx, 0, base, masque, lien}, v);
+}
+int Ligne(uint32_t type, const char* fichier) {
+    return AjouteElement(NouvelElement(type, "essai", fichier));
+}
+
+// ---- Expected colours ----------------------------------------------------------------------
+
+uint32_t Gba(uint32_t i) {
+    return (i * 2731 + 1234) & 0x7FFF;
+}
+Valeurs Palette(int n) {
+    Valeurs v;
+    for (int i = 0; i < n; ++i)
+        v.push_back(Gba((uint32_t)i));
+    return v;
+}
+// A 15-bit colour as a colour word (red in the low byte), each component x 8.
+uint32_t Mot(uint32_t v) {
+    return (v & 31) * 8 | ((v >> 5 & 31) * 8) << 8 | ((v >> 10 & 31) * 8) << 16;
+}
+// Pixel k of unit u of the test tilesets; at 15 bits pixel 9 is transparent.
+uint32_t Pix(int prof, uint32_t u, int k) {
+    if (prof == 4) return (u * 5 + (uint32_t)k) & 15;
+    return prof == 15 ? (k == 9 ? 65535 : Gba(u * 64 + (uint32_t)k)) : (u * 64 + (uint32_t)k * 3) % 256;
+}
+Valeurs Unites(int prof, int n) {
+    Valeurs v;
+    for (int k = 0; k < n * 64; ++k)
+        v.push_back(Pix(prof, (uint32_t)k / 64, k % 64));
+    return v;
+}
+// Index 0 and the transparent word show the background; a 4-bit bank picks 16 entries.
+uint32_t CouleurTuile(int prof, uint32_t w, uint32_t banque) {
+    if (prof == 15) return w == 65535 ? CouleurFond : Mot(w);
+    return w == 0 ? CouleurFond : Mot(Gba(banque * 16 + w));
+}
+
+// The preview's pixel at column x of row r, as a colour word.
+uint32_t Pixel(int x, int r) {
+    const Image& s = SurfaceApercu;
+    const uint8_t* p = s.pixels + (size_t)(s.hauteur - 1 - r) * s.pas + (size_t)x * 3;
+    return (uint32_t)p[2] | (uint32_t)p[1] << 8 | (uint32_t)p[0] << 16;
+}
+void CompareApercu(int l, int h, const std::function<uint32_t(int, int)>& attendu) {
+    ASSERT_EQ(LargeurApercu, l);
+    ASSERT_EQ(HauteurApercu, h);
+    int fautes = 0;
+    for (int r = 0; r < h && fautes < 4; ++r)
+        for (int x = 0; x < l && fautes < 4; ++x)
+            if (Pixel(x, r) != attendu(x, r)) {
+                ++fautes;
+                ADD_FAILURE() << "pixel " << x << "," << r << ": " << std::hex << Pixel(x, r)
+                              << " instead of " << attendu(x, r);
+            }
+}
+
+const std::string Interne =
+    "[Internal error] An error has happened because the following condition is false: ";
+
+struct Apercu : testing::Test {
+    DossierTemporaire dossier;
+    EnregistreurMessages journal;
+    void SetUp() override {
+        InitialiseFormats();
+        NouvelleSurface();
+    }
+    void TearDown() override { LibereImage(SurfaceApercu); }
+    static void NouvelleSurface() {
+        ASSERT_EQ(CreeSurfaceApercu(), 1);
+        ChoisitCadre(0, 0, LARGEUR_SURFACE_INITIALE, HAUTEUR_SURFACE_INITIALE);
+    }
+};
+struct Charge : Apercu {};
+
+} // namespace
+
+// ---- Palettes and bitmaps ------------------------------------------------------------------
+
+TEST_F(Apercu, PaletteUnPixelParCouleurSeizeParRangee) {
+    EcritPalette("p.pal.c", {0x001F, 0x03E0, 0x7C00, 0x1234});
+    uint8_t pal[768];
+    memset(pal, 0xAA, sizeof pal);
+    ASSERT_EQ(ChargePalette(pal, "p.pal.c"), 4);
+    const uint8_t octets[12] = {0, 0, 248, 0, 248, 0, 248, 0, 0, 32, 136, 160}; // blue, green, red
+    EXPECT_EQ(memcmp(pal, octets, 12), 0);
+    EXPECT_EQ(std::count(pal + 12, pal + 768, 0), 768 - 12);
+
+    const int ligne = Ligne(TYPE_PALETTE, "p.pal.c");
+    for (int n : {5, 17, 256, 300}) {
+        SCOPED_TRACE(n);
+        EcritPalette("p.pal.c", Palette(n));
+        const int lues = std::min(n, 256), rangees = (lues + 15) / 16;
+        ASSERT_EQ(ChargePalette(pal, "p.pal.c"), lues);
+        EXPECT_EQ(std::count(pal + lues * 3, pal + 768, 0), 768 - lues * 3);
+        ApercuElement(ligne);
+        EXPECT_EQ(TypeApercu, APERCU_PALETTE);
+        EXPECT_EQ(sizex, 16);
+        EXPECT_EQ(sizey, rangees);
+        int fond = 0;
+        CompareApercu(16, rangees, [&](int x, int r) {
+            fond += r * 16 + x >= lues; // entry 0 is shown as it stands
+            return r * 16 + x < lues ? Mot(Gba((uint32_t)(r * 16 + x))) : CouleurFond;
+        });
+        EXPECT_EQ(fond, rangees * 16 - lues);
+    }
+}
+
+TEST_F(Apercu, Bitmap16EtBitmap8) {
+    EcritPalette("p.pal.c", Palette(6));
+    const struct {
+        int l, h;
+        const char* lien;
+    } cas[] = {{2, 1, nullptr}, {5, 3, nullptr}, {5, 3, "p.pal.c"}};
+    for (const auto& c : cas) {
+        SCOPED_TRACE(std::to_string(c.l) + "x" + std::to_string(c.h) + (c.lien ? " 8 bits" : " 16 bits"));
+        // 8 bits: index 0 is drawn like any other; 6 and above lie outside the palette.
+        Valeurs v;
+        for (int i = 0; i < c.l * c.h; ++i)
+            v.push_back(c.lien ? (uint32_t)(i * 3 % 10) : Gba((uint32_t)i + 40));
+        EcritBitmap("b.b.c", c.lien, c.l, c.h, v);
+        NouvelleSurface();
+        ApercuElement(Ligne(c.lien ? TYPE_BITMAP8 : TYPE_BITMAP16, "b.b.c"));
+        EXPECT_EQ(TypeApercu, c.lien ? APERCU_BITMAP8 : APERCU_BITMAP16);
+        EXPECT_EQ(sizex, c.l);
+        EXPECT_EQ(sizey, c.h);
+        CompareApercu(c.l, c.h, [&](int x, int r) {
+            const uint32_t w = v[(size_t)(r * c.l + x)];
+            return !c.lien ? Mot(w) : w < 6 ? Mot(Gba(w)) : CouleurFond;
+        });
+    }
+    EXPECT_TRUE(journal.messages.empty());
+}
+
+// ---- Tilesets and maps ---------------------------------------------------------------------
+
+TEST_F(Apercu, MosaiqueParBlocsDansDesRangeesDe256Pixels) {
+    EcritPalette("p.pal.c", Palette(256));
+    const struct {
+        int prof, tx, ty, blocs;
+    } cas[] = {{8, 8, 8, 3},   {4, 8, 8, 3},  {15, 8, 8, 3},  {8, 8, 8, 33},
+               {8, 16, 8, 17}, {8, 8, 16, 5}, {4, 16, 16, 17}};
+    const int ligne = Ligne(TYPE_MOSAIQUE, "t.til.c");
+    for (const auto& c : cas) {
+        SCOPED_TRACE(std::to_string(c.prof) + " bits, " + std::to_string(c.tx) + "x" + std::to_string(c.ty) +
+                     ", " + std::to_string(c.blocs) + " blocks");
+        const int s = c.tx * c.ty / 64, parRangee = 256 / c.tx,
+                  rangees = (c.blocs + parRangee - 1) / parRangee;
+        EcritMosaique("t.til.c", c.prof, c.tx, c.ty, c.blocs, Unites(c.prof, c.blocs * s));
+        NouvelleSurface();
+        ApercuElement(ligne);
+        EXPECT_EQ(TypeApercu, APERCU_MOSAIQUE);
+        EXPECT_EQ(NbTuiles, c.blocs);
+        EXPECT_EQ(sizex, 256);
+        EXPECT_EQ(sizey, rangees * c.ty);
+        // Every row of tiles of each block, and nothing of the block after it.
+        CompareApercu(256, rangees * c.ty, [&](int x, int r) {
+            const int b = r / c.ty * parRangee + x / c.tx;
+            const uint32_t u = (uint32_t)(b * s + r % c.ty / 8 * (c.tx / 8) + x % c.tx / 8);
+            return b >= c.blocs ? CouleurFond : CouleurTuile(c.prof, Pix(c.prof, u, r % 8 * 8 + x % 8), 0);
+        });
+    }
+    EXPECT_TRUE(journal.messages.empty());
+}
+
+TEST_F(Apercu, CarteDessineeParSesTuiles) {
+    EcritPalette("p.pal.c", Palette(256));
+    constexpr int L = 4, H = 2;
+    const Valeurs suite = {0, 1, 2, 3, 4, 5, 6, 7}, miroirs = {0x401, 0x802, 0xC03, 0x404, 1, 2, 3, 0x400},
+                  banques = {0x1001, 0x2002, 0xF403, 4, 0x1000, 0x5C02, 1, 2},
+                  au_dela = {0x401, 0x400, 1025, 1026, 0, 1, 0x402, 0x801},
+                  grands = {0, 1, 2, 3, 0x401, 2, 1, 0x800},
+                  larges = {1, 0x80000001, 0x7FFFFC01, 3, 0xFFFFFFFF, 2, 0x10000, 4};
+    const struct {
+        const char* nom;
+        int bits, t, prof, blocs, emul, base, masque;
+        Valeurs cellules;
+    } cas[] = {
+        {"16-bit cells; the tile count draws nothing", 16, 8, 8, 5, 1, 0, -1, {0, 1, 2, 3, 4, 5, 4, 1}},
+        {"8-bit cells", 8, 8, 8, 5, 1, 0, -1, {4, 3, 2, 1, 0, 5, 255, 2}},
+        {"32-bit cells; negative ones draw nothing", 32, 8, 8, 5, 1, 0, -1, larges},
+        {"tilebase", 16, 8, 8, 5, 1, 2, -1, suite},
+        {"gfxmask", 16, 8, 8, 5, 1, 0, 3, suite},
+        {"tilebase and gfxmask", 16, 8, 8, 5, 1, 1, 3, suite},
+        {"mirrors, emulgba on", 16, 8, 8, 5, 1, 0, -1, miroirs},
+        {"mirror bits past the tiles, emulgba off", 16, 8, 8, 5, 0, 0, -1, miroirs},
+        {"4-bit banks, emulgba on", 16, 8, 4, 5, 1, 0, -1, banques},
+        {"4-bit banks, emulgba off", 16, 8, 4, 5, 0, 0, -1, banques},
+        {"15-bit tiles", 16, 8, 15, 5, 1, 0, -1, {0x401, 1, 2, 3, 4, 5, 0x800, 0}},
+        {"16 x 16 blocks, emulgba on", 16, 16, 8, 3, 1, 0, -1, grands},
+        {"16 x 16 blocks, emulgba off", 16, 16, 8, 3, 0, 0, -1, grands},
+        {"16 x 16 blocks of 4 bits", 16, 16, 4, 3, 1, 0, -1, {0, 1, 2, 0x401, 0x1002, 0xC01, 1, 3}},
+        {"over 1024 tiles, emulgba on", 16, 8, 8, 1026, 1, 0, -1, au_dela},
+        {"over 1024 tiles, emulgba off", 16, 8, 8, 1026, 0, 0, -1, au_dela},
+    };
+    const int ligne = Ligne(TYPE_CARTE, "m.map.c");
+    for (const auto& c : cas) {
+        SCOPED_TRACE(c.nom);
+        const int s = c.t * c.t / 64, t = c.t;
+        EcritMosaique("t.til.c", c.prof, t, t, c.blocs, Unites(c.prof, c.blocs * s));
+        EcritCarte("m.map.c", "t.til.c", c.bits, t, L, H, c.cellules, c.base, c.masque);
+        NouvelleSurface();
+        EmulGba = c.emul;
+        ApercuElement(ligne);
+        EXPECT_EQ(TypeApercu, APERCU_CARTE);
+        EXPECT_EQ(NbTuiles, c.blocs);
+        EXPECT_EQ(sizex, L * t);
+        EXPECT_EQ(sizey, H * t);
+        CompareApercu(L * t, H * t, [&](int x, int r) {
+            const uint32_t stockee = c.cellules[(size_t)(r / t * L + x / t)];
+            const int32_t cell = (int32_t)((stockee + (uint32_t)c.base) & (uint32_t)c.masque);
+            if (cell < 0 || ((uint32_t)cell & (c.emul ? 1023u : ~0u)) >= (uint32_t)c.blocs)
+                return CouleurFond;
+            const int i = x % t / 8, j = r % t / 8;
+            int px = x % 8, py = r % 8;
+            uint32_t unite = (uint32_t)(j * (t / 8) + i) + (uint32_t)cell * (uint32_t)s, banque = 0;
+            if (c.emul) { // the GBA layout: tile, mirrors and bank of each tile's own value
+                const uint32_t v = (uint32_t)((t / 8) * j + (int64_t)t * t * cell / 64 + i);
+                unite = v & 1023, banque = c.prof == 4 ? v >> 12 & 15 : 0;
+                px = v & 0x400 ? 7 - px : px;
+                py = v & 0x800 ? 7 - py : py;
+            }
+            return CouleurTuile(c.prof, Pix(c.prof, unite, py * 8 + px), banque);
+        });
+    }
+    EXPECT_TRUE(journal.messages.empty());
+}
+
+TEST_F(Charge, CarteSansLienPrendLesTuilesDonnees) {
+    EcritPalette("p.pal.c", Palette(256));
+    EcritMosaique("t.til.c", 8, 8, 8, 4, Unites(8, 4));
+    EcritCarte("a.map.c", "t.til.c", 16, 8, 2, 1, {1, 2});
+    EcritCarte("b.map.c", "", 16, 8, 2, 1, {3, 1});
+    const int a = Ligne(TYPE_CARTE, "a.map.c"), b = Ligne(TYPE_CARTE, "b.map.c");
+    uint8_t pal[768];
+    uint32_t *tuiles = nullptr, *cellules = nullptr;
+    EXPECT_EQ(ChargeCarte(pal, &tuiles, &cellules, b), 0); // no tiles loaded before
+    free(cellules);
+    cellules = nullptr;
+    ASSERT_EQ(ChargeCarte(pal, &tuiles, &cellules, a), 1);
+    free(cellules);
+    cellules = nullptr;
+    memset(pal + 3, 0, 3); // what the caller passes in is what is drawn
+    ASSERT_EQ(ChargeCarte(pal, &tuiles, &cellules, b), 1);
+    ASSERT_NE(tuiles, nullptr);
+    EXPECT_EQ(Valeurs(cellules, cellules + 2), (Valeurs{3, 1}));
+    EXPECT_EQ(NbTuiles, 4);
+    ApercuCarte(pal, tuiles, cellules);
+    CompareApercu(16, 8, [&](int x, int r) {
+        const uint32_t w = Pix(8, x < 8 ? 3 : 1, r * 8 + x % 8);
+        return w == 0 ? CouleurFond : w == 1 ? 0 : Mot(Gba(w));
+    });
+    free(tuiles);
+    free(cellules);
+}
+
+// ---- The surface's size and the memory limit -------------------------------------------------
+
+TEST_F(Apercu, LimiteApercuReduitALaLimite) {
+    const struct {
+        uint32_t limite;
+        int l, h, lAttendue, hAttendue;
+        uint64_t refusee;
+    } cas[] = {{3000, 100, 20, 70, 14, 6000},
+               {3000, 40, 25, 31, 31, 3000},
+               {3000, 999, 1, 999, 1, 0},
+               {0, 5000, 5000, 5000, 5000, 0},
+               {MEMOIRE_MAX_DEFAUT, 4000, 2000, 4000, 2000, 0},
+               {MEMOIRE_MAX_DEFAUT, 4096, 4096, 3344, 3344, 50331648}};
+    for (const auto& c : cas) {
+        SCOPED_TRACE(std::to_string(c.limite) + ": " + std::to_string(c.l) + "x" + std::to_string(c.h));
+        ReglagesSys.memoireMax = c.limite;
+        MemoireRefusee = 0;
+        int l = c.l, h = c.h;
+        LimiteApercu(l, h);
+        EXPECT_EQ(std::pair(l, h), std::pair(c.lAttendue, c.hAttendue));
+        EXPECT_EQ(MemoireRefusee, c.refusee);
+    }
+    ReglagesSys.memoireMax = 3000; // taller than wide: a positive size of an area near the limit
+    int l = 10, h = 200;
+    LimiteApercu(l, h);
+    EXPECT_TRUE(l > 0 && h > l && l * h <= 1000 && l * h >= 800) << l << "x" << h;
+    EXPECT_EQ(MemoireRefusee, 6000u);
+}
+
+TEST_F(Apercu, DimensionneApercuGardeLAncienneSurfaceSurEchec) {
+    ReglagesSys.memoireMax = 0; // no limit: a surface too big to be made
+    EXPECT_EQ(DimensionneApercu(100000, 100000, false), 0);
+    EXPECT_EQ(MemoireRefusee, 30000000000u);
+    EXPECT_EQ(DimensionneApercu(0, 4, false), 0);
+    EXPECT_EQ(DimensionneApercu(4, -1, false), 0);
+    EXPECT_EQ(journal.messages, (Textes{Interne + "cx > 0", Interne + "cy > 0"}));
+    EXPECT_NE(SurfaceApercu.pixels, nullptr);
+    EXPECT_EQ(std::pair(LargeurApercu, HauteurApercu),
+              std::pair(LARGEUR_SURFACE_INITIALE, HAUTEUR_SURFACE_INITIALE));
+    // A bitmap whose header gives no width is resized all the same.
+    journal.messages.clear();
+    EcritBitmap("b.b16.c", nullptr, 0, 3, {});
+    ApercuElement(Ligne(TYPE_BITMAP16, "b.b16.c"));
+    ASSERT_FALSE(journal.messages.empty());
+    EXPECT_EQ(journal.messages.back(), Interne + "cx > 0");
+}
+
+TEST_F(Apercu, CarteAuDelaDeLaLimiteMontreSonCoinHautGauche) {
+    EcritPalette("p.pal.c", Palette(256));
+    EcritMosaique("t.til.c", 8, 8, 8, 32, Unites(8, 32));
+    Valeurs cellules;
+    for (uint32_t i = 0; i < 32; ++i)
+        cellules.push_back(i);
+    EcritCarte("m.map.c", "t.til.c", 16, 8, 8, 4, cellules);
+    const int ligne = Ligne(TYPE_CARTE, "m.map.c");
+    const auto attendu = [&](int x, int r) {
+        const uint32_t w = Pix(8, (uint32_t)(r / 8 * 8 + x / 8), r % 8 * 8 + x % 8);
+        return w == 0 ? CouleurFond : Mot(Gba(w));
+    };
+    ReglagesSys.memoireMax = 3000; // 1,000 pixels: 44 x 22 of the 64 x 32
+    ApercuElement(ligne);
+    EXPECT_EQ(MemoireRefusee, 64u * 32 * 3);
+    EXPECT_EQ(std::pair(sizex, sizey), std::pair(64, 32));
+    EXPECT_EQ(std::pair(CadreDessin.xLimite, CadreDessin.yLimite), std::pair(44, 22));
+    // Whole columns of cells only (44 / 8), but the last row begun is drawn.
+    CompareApercu(44, 22, [&](int x, int r) { return x < 40 ? attendu(x, r) : CouleurFond; });
+    ReglagesSys.memoireMax = 0;
+    ApercuElement(ligne);
+    EXPECT_EQ(MemoireRefusee, 0u);
+    CompareApercu(64, 32, attendu);
+}
+
+// ---- Missing, oversized and damaged files --------------------------------------------------
+
+TEST_F(Apercu, FichiersAbsentsDonnentLeurBoite) {
+    EcritBitmap("sans.b8.c", "absente.pal.c", 2, 1, {1, 2});
+    Ecrit("sans.til.c", {SECTION_TILESET, 8, 0, 0, 8, 8, 1, 0, -1, "absente.pal.c"}, Unites(8, 1));
+    EcritCarte("sans.map.c", "absente.til.c", 16, 8, 1, 1, {0});
+    const struct {
+        uint32_t type;
+        const char *fichier, *boite;
+    } cas[] = {
+        {TYPE_PALETTE, "x.pal.c", "[x.pal.c] The palette file doesn't exist."},
+        {TYPE_BITMAP16, "x.b16.c", "[x.b16.c] The specified 16 bits bitmap file doesn't exist"},
+        {TYPE_BITMAP8, "x.b8.c", "[x.b8.c] The specified 8 bits bitmap file doesn't exist"},
+        {TYPE_MOSAIQUE, "x.til.c", "[x.til.c] The specified tileset file doesn't exist"},
+        {TYPE_CARTE, "x.map.c", "[x.map.c] The specified map file doesn't exist"},
+        {TYPE_BITMAP8, "sans.b8.c", "[absente.pal.c] The palette file doesn't exist."},
+        {TYPE_MOSAIQUE, "sans.til.c", "[absente.pal.c] The palette file doesn't exist."},
+        {TYPE_CARTE, "sans.map.c", "[absente.til.c] The specified tileset file doesn't exist"},
+    };
+    for (const auto& c : cas) {
+        SCOPED_TRACE(c.fichier);
+        journal.messages.clear();
+        NouvelleSurface();
+        SurfaceApercu.pixels[0] = 0x5A;
+        ApercuElement(Ligne(c.type, c.fichier));
+        EXPECT_EQ(journal.messages, Textes{c.boite});
+        EXPECT_EQ(LargeurApercu, LARGEUR_SURFACE_INITIALE); // nothing drawn
+        EXPECT_TRUE(c.fichier[0] != 'x' || SurfaceApercu.pixels[0] == 0x5A);
+    }
+}
+
+TEST_F(Charge, MosaiqueDePlusDe8192UnitesDonneLaBoite) {
+    const struct {
+        int declarees, ecrites, resultat;
+    } cas[] = {{8192, 8192, 8192}, {20000, 8200, -1}, {8193, 8193, -1}, {20000, 100, 100}};
+    for (const auto& c : cas) {
+        SCOPED_TRACE(std::to_string(c.declarees) + " declared, " + std::to_string(c.ecrites) + " written");
+        journal.messages.clear();
+        Ecrit("g.til.c", {SECTION_TILESET, 8, 0, 0, 8, 8, c.declarees}, Unites(8, c.ecrites));
+        uint32_t* tuiles = nullptr;
+        EXPECT_EQ(ChargeMosaique(nullptr, &tuiles, "g.til.c", false), c.resultat);
+        if (c.resultat < 0) {
+            EXPECT_EQ(tuiles, nullptr);
+            EXPECT_EQ(journal.messages, Textes{"[g.til.c] The tiles count is greater than available memory. "
+                                               "The format is probably wrong..."});
+        } else {
+            EXPECT_TRUE(journal.messages.empty());
+            ASSERT_NE(tuiles, nullptr);
+            EXPECT_EQ(tuiles[(size_t)c.resultat * 64 - 1], Pix(8, (uint32_t)c.resultat - 1, 63));
+        }
+        free(tuiles);
+    }
+}
+
+// Each file cut at every length: what is read is a prefix of the data that
+// grows with the length (the value at the cut may be read in part), the rest
+// stays at 0, and nothing is read past the end.
+TEST_F(Charge, FichiersTronquesGardentCeQuiEstLu) {
+    Valeurs indices, unites, pixels; // never 0, so that 0 means "not read"
+    for (uint32_t i = 0; i < 15; ++i)
+        indices.push_back(i + 1), pixels.push_back(Mot(Gba(i)));
+    for (uint32_t i = 0; i < 3 * 64; ++i)
+        unites.push_back(i % 255 + 1);
+    EcritPalette("e.pal.c", Palette(40));
+    EcritBitmap("e.b16.c", nullptr, 5, 3, Palette(15));
+    EcritMosaique("e.til.c", 8, 8, 8, 3, unites);
+    EcritMosaique("m.til.c", 8, 8, 8, 3, unites);
+    EcritPalette("p.pal.c", Palette(40));
+    EcritCarte("e.map.c", "m.til.c", 16, 8, 5, 3, indices);
+    uint8_t pal[768];
+    uint32_t *t = nullptr, *c = nullptr;
+    const std::pair<const char*, std::function<Valeurs()>> cas[] = {
+        {"pal",
+         [&] {
+             Valeurs v(40);
+             for (int i = 0, n = ChargePalette(pal, "t.pal.c"); i < n && i < 40; ++i)
+                 v[(size_t)i] =
+                     (uint32_t)(pal[i * 3 + 2] / 8 | pal[i * 3 + 1] / 8 << 5 | pal[i * 3] / 8 << 10);
+             return v;
+         }},
+        {"b16",
+         [&] { // through the surface, where the background reads as 0
+             ApercuElement(Ligne(TYPE_BITMAP16, "t.b16.c"));
+             Valeurs v(15);
+             for (int i = 0; LargeurApercu == 5 && HauteurApercu == 3 && i < 15; ++i)
+                 v[(size_t)i] = Pixel(i % 5, i / 5) == CouleurFond ? 0 : Pixel(i % 5, i / 5);
+             return v;
+         }},
+        {"til",
+         [&] {
+             Valeurs v(3 * 64);
+             if (ChargeMosaique(nullptr, &t, "t.til.c", false) > 0) v.assign(t, t + 3 * 64);
+             return v;
+         }},
+        {"map",
+         [&] {
+             Valeurs v(15);
+             if (ChargeCarte(pal, &t, &c, Ligne(TYPE_CARTE, "t.map.c"))) v.assign(c, c + 15);
+             return v;
+         }},
+    };
+    const Valeurs attendus[] = {Palette(40), pixels, unites, indices};
+    for (int k = 0; k < 4; ++k) {
+        const std::string ext = std::string(".") + cas[k].first + ".c", entier = LitFichier("e" + ext);
+        size_t avant = 0;
+        for (size_t longueur = 0; longueur <= entier.size(); ++longueur) {
+            SCOPED_TRACE(ext + " cut at " + std::to_string(longueur));
+            EcritFichier("t" + ext, entier.substr(0, longueur));
+            const Valeurs lu = cas[k].second(), &attendu = attendus[k];
+            free(t), free(c), t = c = nullptr;
+            size_t n = 0;
+            while (n < lu.size() && lu[n] == attendu[n])
+                ++n;
+            for (size_t i = n + 1; i < lu.size(); ++i) {
+                ASSERT_EQ(lu[i], 0u) << "value " << i;
+            }
+            EXPECT_GE(n, avant);
+            avant = n;
+        }
+        EXPECT_EQ(avant, attendus[k].size());
+    }
+}
+
+// Random bytes changed, and tile sizes that aren't multiples of 8 or don't fit
+// an int once multiplied: every preview keeps surface and frame in agreement
+// and reads nothing outside the buffers; the tile sizes give no internal error.
+TEST_F(Charge, FichiersAbimesSansDebordement) {
+    EcritPalette("p.pal.c", Palette(256));
+    EcritBitmap("f.b16.c", nullptr, 5, 3, Palette(15));
+    EcritBitmap("f.b8.c", "p.pal.c", 5, 3, Valeurs(15, 3));
+    EcritMosaique("f.til.c", 4, 8, 8, 20, Unites(4, 20));
+    EcritMosaique("m.til.c", 8, 8, 8, 20, Unites(8, 20));
+    EcritCarte("f.map.c", "m.til.c", 16, 8, 4, 2, {0, 1, 19, 0x401, 0xC02, 12, 7, 3});
+    const auto verifie = [&](const std::string& quoi, bool sansBoiteInterne) {
+        SCOPED_TRACE(quoi);
+        ASSERT_TRUE(SurfaceApercu.pixels && LargeurApercu <= SurfaceApercu.largeur &&
+                    HauteurApercu == SurfaceApercu.hauteur && CadreDessin.xLimite <= LargeurApercu &&
+                    CadreDessin.yLimite <= HauteurApercu);
+        for (const std::string& m : sansBoiteInterne ? journal.messages : Textes{}) {
+            ASSERT_EQ(m.find("[Internal error]"), std::string::npos) << m;
+        }
+    };
+    std::mt19937 alea(2024);
+    const uint32_t types[] = {TYPE_PALETTE, TYPE_BITMAP16, TYPE_BITMAP8, TYPE_MOSAIQUE, TYPE_CARTE};
+    const char* const fichiers[] = {"p.pal.c", "f.b16.c", "f.b8.c", "f.til.c", "f.map.c"};
+    for (int k = 0; k < 5; ++k) {
+        const uint32_t type = types[k];
+        const char* fichier = fichiers[k];
+        const std::string entier = LitFichier(fichier), copie = std::string("x") + strchr(fichier, '.');
+        for (int essai = 0; essai < 150; ++essai) {
+            std::string abime = entier;
+            for (int n = 0; n < 1 + essai % 3; ++n)
+                abime[alea() % abime.size()] = (char)(alea() % 256);
+            EcritFichier(copie, abime);
+            EmulGba = essai % 2;
+            ApercuElement(Ligne(type, copie.c_str()));
+            verifie(copie + " try " + std::to_string(essai), false);
+        }
+    }
+    const std::string mosaique = LitFichier("m.til.c"),
+                      carte = LitFichier("f.map.c"); // "8*8" in both headers
+    const std::pair<int64_t, int64_t> tailles[] = {{8, 9},         {9, 8},           {12, 12},      {24, 20},
+                                                   {70000, 70000}, {400000, 400000}, {600000000, 8}};
+    for (const auto& [tx, ty] : tailles) {
+        const std::string texte = std::to_string(tx) + "*" + std::to_string(ty);
+        for (EmulGba = 0; EmulGba < 2; ++EmulGba) {
+            journal.messages.clear();
+            EcritFichier("x.til.c", std::string(mosaique).replace(mosaique.find("8*8"), 3, texte));
+            ApercuElement(Ligne(TYPE_MOSAIQUE, "x.til.c"));
+            verifie("tileset " + texte, true);
+            EXPECT_EQ(NbTuiles, 20 / (tx * ty / 64)) << texte;
+            EcritFichier("x.map.c", std::string(carte).replace(carte.find("8*8"), 3, texte));
+            ApercuElement(Ligne(TYPE_CARTE, "x.map.c"));
+            verifie("map " + texte, true);
+            EXPECT_EQ(NbTuiles, 20 / (tx / 8 * (ty / 8))) << texte;
+        }
+    }
+}
+
+// Such tile sizes drawn straight from a buffer followed by a guard area
+// whose colour (index 200) must never show.
+TEST_F(Apercu, TuilesLuesDansLeTamponSeulement) {
+    uint8_t pal[768];
+    for (int i = 0; i < 256; ++i)
+        for (int k = 0; k < 3; ++k)
+            pal[i * 3 + k] = (uint8_t)(Mot(Gba((uint32_t)i)) >> (16 - 8 * k));
+    constexpr int N = 20;
+    Valeurs tuiles((size_t)(N + 64) * 64, 200);
+    for (size_t k = 0; k < (size_t)N * 64; ++k)
+        tuiles[k] = (uint32_t)(k % 7 + 1);
+    const Valeurs cellules = {0, 1, 2, 19, 0x401, 0xC02, 18, 7, 5, 13, 17, 16};
+    const auto sansGarde = [](int x, int r) { return Pixel(x, r) == Mot(Gba(200)) ? 0 : Pixel(x, r); };
+    for (const auto& [tx, ty] : {std::pair{8, 9}, {9, 8}, {12, 12}, {24, 20}, {16, 12}}) {
+        for (EmulGba = 0; EmulGba < 2; ++EmulGba) {
+            SCOPED_TRACE(std::to_string(tx) + "x" + std::to_string(ty) + " emulgba " +
+                         std::to_string(EmulGba));
+            tilex = tx, tiley = ty, NbTuiles = N;
+            ApercuMosaique(pal, tuiles.data());
+            CompareApercu(LargeurApercu, HauteurApercu, sansGarde);
+            tilex = tx, tiley = ty, sizex = 4, sizey = 3, NbTuiles = N / (tx / 8 * (ty / 8));
+            ApercuCarte(pal, tuiles.data(), cellules.data());
+            CompareApercu(LargeurApercu, HauteurApercu, sansGarde);
+        }
+    }
+}
+
+// ---- The preview as BMP --------------------------------------------------------------------
+
+TEST_F(Apercu, EcritApercuBmpDeLaTailleLogique) {
+    EcritBitmap("b.b16.c", nullptr, 5, 3, Palette(15));
+    ApercuElement(Ligne(TYPE_BITMAP16, "b.b16.c"));
+    ASSERT_EQ(SurfaceApercu.largeur, 8); // rows of the surface rounded up to 4 pixels
+    ASSERT_EQ(EcritApercuBmp("apercu.bmp"), 1);
+    const std::string f = LitFichier("apercu.bmp");
+    ASSERT_EQ(f.size(), 54u + 16 * 3); // rows of 15 bytes padded to 16
+    const auto mot = [&](size_t i, int octets) {
+        uint32_t v = 0;
+        for (int k = octets - 1; k >= 0; --k)
+            v = v << 8 | (uint8_t)f[i + (size_t)k];
+        return v;
+    };
+    EXPECT_EQ(f.substr(0, 2), "BM");
+    // Size, data offset, header size, width, height, planes, bits, compression, data size.
+    const std::tuple<size_t, int, uint32_t> champs[] = {{2, 4, 102}, {10, 4, 54}, {14, 4, 40},
+                                                        {18, 4, 5},  {22, 4, 3},  {26, 2, 1},
+                                                        {28, 2, 24}, {30, 4, 0},  {34, 4, 48}};
+    for (const auto& [position, octets, valeur] : champs) {
+        EXPECT_EQ(mot(position, octets), valeur) << position;
+    }
+    // Rows bottom-up, pixels blue, green, red, as on the surface.
+    for (int r = 0; r < 3; ++r) {
+        const size_t rangee = 54 + (size_t)(2 - r) * 16;
+        for (int x = 0; x < 5; ++x) {
+            const uint32_t bvr = mot(rangee + (size_t)x * 3, 3);
+            const uint32_t couleur = bvr >> 16 | (bvr & 0xFF00) | (bvr & 0xFF) << 16;
+            EXPECT_EQ(couleur, Mot(Gba((uint32_t)(r * 5 + x)))) << x << "," << r;
+            EXPECT_EQ(couleur, Pixel(x, r));
+        }
+        EXPECT_EQ(f[rangee + 15], 0);
+    }
+}
