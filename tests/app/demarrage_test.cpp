@@ -4,6 +4,7 @@
 #include "core/projet.h"
 #include "core/reglages.h"
 #include "tests/support/enregistreur.h"
+#include "tests/support/projets.h"
 
 #include <gtest/gtest.h>
 
@@ -12,10 +13,6 @@
 #include <vector>
 
 namespace {
-
-const std::string ENTETE = "#Fichier de projet Tessellarium\n";
-const std::string DONNEES = "donn\xE9"
-                            "es";
 
 std::string Repertoire() {
     return std::filesystem::current_path().string();
@@ -35,30 +32,29 @@ std::vector<std::string> Liens(const char* ligne) {
 using Noms = std::vector<std::string>;
 
 std::string ProjetUneCarte(const std::string& nom, const std::string& donnees) {
-    return ENTETE + " .section fichiers\n #\n  El\xE9ment: " + nom + "\n  Type: carte\n  Fichier: " + nom +
-           ".map.c\n Fin\n .section " + DONNEES + "\n" + donnees;
+    return Projet("", Ligne(nom, "carte", nom + ".map.c"), donnees);
 }
 
 } // namespace
 
+// The last character goes without being looked at; batch mode never names a project.
 TEST(LigneCommande, FormesEtModes) {
+    const struct {
+        const char* ligne;
+        int mode;
+        const char* projet;
+    } cas[] = {{"", MODE_FENETRE, "projet.tsl"},
+               {nullptr, MODE_FENETRE, "projet.tsl"},
+               {"\"a b/p.tsl\"", MODE_FENETRE, "a b/p.tsl"},
+               {"\"a b/p.tslx", MODE_FENETRE, "a b/p.tsl"},
+               {"mes projets/p 2.tsl ", MODE_FENETRE, "mes projets/p 2.tsl "},
+               {"-src=a.bmp", MODE_LOT, "projet.tsl"},
+               {"-\"autre.tsl\"", MODE_LOT, "projet.tsl"}};
     char projet[64];
-    EXPECT_EQ(AnalyseLigneCommande("", projet, sizeof projet), MODE_FENETRE);
-    EXPECT_STREQ(projet, "projet.tsl");
-    EXPECT_EQ(AnalyseLigneCommande(nullptr, projet, sizeof projet), MODE_FENETRE);
-    EXPECT_STREQ(projet, "projet.tsl");
-    EXPECT_EQ(AnalyseLigneCommande("\"a b/p.tsl\"", projet, sizeof projet), MODE_FENETRE);
-    EXPECT_STREQ(projet, "a b/p.tsl");
-    // The last character goes without being looked at.
-    EXPECT_EQ(AnalyseLigneCommande("\"a b/p.tslx", projet, sizeof projet), MODE_FENETRE);
-    EXPECT_STREQ(projet, "a b/p.tsl");
-    EXPECT_EQ(AnalyseLigneCommande("mes projets/p 2.tsl ", projet, sizeof projet), MODE_FENETRE);
-    EXPECT_STREQ(projet, "mes projets/p 2.tsl ");
-    // Batch mode never names a project.
-    EXPECT_EQ(AnalyseLigneCommande("-src=a.bmp", projet, sizeof projet), MODE_LOT);
-    EXPECT_STREQ(projet, "projet.tsl");
-    EXPECT_EQ(AnalyseLigneCommande("-\"autre.tsl\"", projet, sizeof projet), MODE_LOT);
-    EXPECT_STREQ(projet, "projet.tsl");
+    for (const auto& c : cas) {
+        EXPECT_EQ(AnalyseLigneCommande(c.ligne, projet, sizeof projet), c.mode) << c.ligne;
+        EXPECT_STREQ(projet, c.projet);
+    }
     EXPECT_EQ(AnalyseLigneCommande("0123456789abcdef", projet, 8), MODE_FENETRE);
     EXPECT_STREQ(projet, "0123456");
 }
@@ -91,12 +87,11 @@ TEST(Demarrage, LotSansProjetEcritProjetTsl) {
     EXPECT_FALSE(std::filesystem::exists("autre.tsl"));
 
     const std::string texte = LitFichier("projet.tsl");
-    EXPECT_EQ(texte.substr(0, ENTETE.size()), ENTETE);
+    EXPECT_TRUE(texte.starts_with(ENTETE));
     EXPECT_NE(texte.find("  Directory = \"" + Repertoire() + "\"\n"), std::string::npos);
     EXPECT_EQ(texte.find("Timing"), std::string::npos);
     EXPECT_NE(texte.find(" .section fichiers\n Fin\n"), std::string::npos);
-    const std::string fin = " .section " + DONNEES + "\n  End\n\n\n\n";
-    EXPECT_EQ(texte.substr(texte.size() - fin.size()), fin);
+    EXPECT_TRUE(texte.ends_with(OUVERTURE_DONNEES + FIN_DONNEES_DEFAUT));
 }
 
 TEST(Demarrage, LotGardeLeProjetEnPlace) {
@@ -108,8 +103,8 @@ TEST(Demarrage, LotGardeLeProjetEnPlace) {
     EXPECT_EQ(Demarre("-q", nullptr), 0);
     EXPECT_EQ(NbElements, 1);
     const std::string texte = LitFichier("projet.tsl");
-    EXPECT_NE(texte.find("  El\xE9ment: mer\n  Type: carte\n  Fichier: mer.map.c\n"), std::string::npos);
-    EXPECT_EQ(texte.substr(texte.size() - donnees.size()), donnees);
+    EXPECT_NE(texte.find(Ligne("mer", "carte", "mer.map.c")), std::string::npos);
+    EXPECT_TRUE(texte.ends_with(donnees));
     EXPECT_EQ(enregistreur.messages.size(), 1u);
 }
 

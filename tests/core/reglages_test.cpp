@@ -17,49 +17,31 @@ std::string Texte(uint32_t octets) {
 
 } // namespace
 
+// A unit adds a 1024th of itself: "8 MB" is 8 * 2^20 + 2^10; the result is
+// truncated. No letter, or o, is the number itself. Letters are tried in the
+// order t, g, m, k, o, not by position: "3 octets" is 3 TB. No number, or 2^32
+// and more, is 0: no limit.
 TEST(TailleMemoire, TexteVersOctets) {
-    // A unit adds a 1024th of itself: "8 MB" is 8 * 2^20 + 2^10.
-    EXPECT_EQ(LitTailleMemoire("8 MB"), 8389632u);
-    EXPECT_EQ(LitTailleMemoire("8 mb"), 8389632u);
-    EXPECT_EQ(LitTailleMemoire("192 kB"), 196609u);
-    EXPECT_EQ(LitTailleMemoire("12k"), 12289u);
-    EXPECT_EQ(LitTailleMemoire("1.5 GB"), 1610612736u + 1048576u);
-    EXPECT_EQ(LitTailleMemoire("0.3 k"), 308u); // 308.2, truncated
-    // No letter, or o, is the number itself.
-    EXPECT_EQ(LitTailleMemoire("100"), 100u);
-    EXPECT_EQ(LitTailleMemoire("100 o"), 100u);
-    EXPECT_EQ(LitTailleMemoire("4294967295"), 4294967295u);
-    // Letters are tried in the order t, g, m, k, o, not by position.
-    EXPECT_EQ(LitTailleMemoire("5 ok"), 5121u);
-    EXPECT_EQ(LitTailleMemoire("1 km"), 1049600u);
-    EXPECT_EQ(LitTailleMemoire("3 octets"), 0u); // the t of "octets": 3 TB
-    // No number, or 2^32 and more, is 0: no limit.
-    EXPECT_EQ(LitTailleMemoire("Max."), 0u);
-    EXPECT_EQ(LitTailleMemoire(""), 0u);
-    EXPECT_EQ(LitTailleMemoire("MB 8"), 0u);
-    EXPECT_EQ(LitTailleMemoire("4 GB"), 0u);
-    EXPECT_EQ(LitTailleMemoire("4096 MB"), 0u);
-    EXPECT_EQ(LitTailleMemoire("4294967296"), 0u);
-    EXPECT_EQ(LitTailleMemoire("4095.999 MB"), 4294967271u);
+    const std::pair<const char*, uint32_t> cas[] = {
+        {"8 MB", 8389632u}, {"8 mb", 8389632u}, {"192 kB", 196609u}, {"1.5 GB", 1610612736u + 1048576u},
+        {"0.3 k", 308u},    {"100", 100u},      {"100 o", 100u},     {"4294967295", 4294967295u},
+        {"5 ok", 5121u},    {"1 km", 1049600u}, {"3 octets", 0u},    {"Max.", 0u},
+        {"", 0u},           {"4 GB", 0u},       {"4294967296", 0u},  {"4095.999 MB", 4294967271u}};
+    for (const auto& [texte, octets] : cas)
+        EXPECT_EQ(LitTailleMemoire(texte), octets) << texte;
 }
 
 TEST(TailleMemoire, OctetsVersTexte) {
-    EXPECT_EQ(Texte(0), "Max.");
-    EXPECT_EQ(Texte(999), "999 B");
-    EXPECT_EQ(Texte(1000), "0.976 kB"); // decimals cut, not rounded
-    EXPECT_EQ(Texte(1500), "1.464 kB");
-    EXPECT_EQ(Texte(1536), "1.5 kB");
-    EXPECT_EQ(Texte(1024), "1 kB");
-    EXPECT_EQ(Texte(1023999), "999.999 kB");
-    EXPECT_EQ(Texte(1024000), "0.976 MB");
-    EXPECT_EQ(Texte(8389632), "8 MB");
-    EXPECT_EQ(Texte(MEMOIRE_MAX_DEFAUT), "32 MB");
-    EXPECT_EQ(Texte(4294967295u), "4 GB");
-
+    // Decimals are cut, not rounded.
+    const std::pair<uint32_t, const char*> cas[] = {
+        {0, "Max."},       {999, "999 B"},       {1000, "0.976 kB"},      {1500, "1.464 kB"},
+        {1536, "1.5 kB"},  {1024, "1 kB"},       {1023999, "999.999 kB"}, {1024000, "0.976 MB"},
+        {8389632, "8 MB"}, {33554432u, "32 MB"}, {4294967295u, "4 GB"}};
+    for (const auto& [octets, texte] : cas)
+        EXPECT_EQ(Texte(octets), texte) << octets;
     // The texts a user types come back as typed.
     for (const char* texte : {"8 MB", "192 kB", "32 MB", "1.5 GB", "640 kB"})
         EXPECT_EQ(Texte(LitTailleMemoire(texte)), texte);
-
     char petit[4];
     TexteTailleMemoire(8389632, petit, sizeof petit);
     EXPECT_STREQ(petit, "8 M");

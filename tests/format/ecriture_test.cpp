@@ -6,11 +6,10 @@
 #include "format/variables.h"
 #include "platform/texte.h"
 #include "tests/support/enregistreur.h"
+#include "tests/support/tampons.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -26,21 +25,8 @@ struct Ecriture : testing::Test {
     }
 };
 
-// The bytes of a file written by f, opened as every output is ("wb").
-std::string Ecrit(const std::function<void(FILE*)>& f) {
-    FILE* fichier = fopen("sortie.bin", "wb");
-    if (!fichier) return "<not opened>";
-    f(fichier);
-    fclose(fichier);
-    return LitFichier("sortie.bin");
-}
-
 std::string Gabarit(const char* gabarit) {
     return Ecrit([&](FILE* f) { EcritGabarit(gabarit, f); });
-}
-
-const SectionFormat& Section(int s) {
-    return FormatCourant.sections[s];
 }
 
 } // namespace
@@ -51,7 +37,7 @@ TEST_F(Ecriture, Bitmap16DeDeuxPixelsOctetPourOctet) {
     MetTexteVariable("file", "img.bmp");
     MetTexteVariable("name", "img");
     MetEntierVariable("memory", 4);
-    const SectionFormat& b16 = Section(SECTION_BITMAP16);
+    const SectionFormat& b16 = FormatCourant.sections[SECTION_BITMAP16];
     const uint32_t valeurs[] = {0x001f, 0x7fff};
     std::string fichier = Ecrit([&](FILE* f) {
         EcritGabarit(b16.declaration, f);
@@ -73,84 +59,70 @@ TEST_F(Ecriture, VariablesEtDirectives) {
     MetEntierVariable("depth", 0x01020304);
     FormatCourant.user[3] = "du format";
     CopieBornee(TextesUser[3], "lu dans le fichier");
-    struct Cas {
+    const struct {
         const char* gabarit;
         std::string attendu;
-    };
-    const Cas cas[] = {
+    } cas[] = {
         {"%+if=x%yes%+else%no%+end%", "yes"},
         {"%+if<>x%a%+else%b%+endif%c", "ac"},
         {"%+else%skipped%+end%after", "after"},
         {"%+else%never ends", ""},
         {"<%+noerror%|%+endnoerror%>", "<|>"},
-        {"%sizex%", "255"},
-        {"%$sizex%", "ff"},
-        {"%#2sizex%", std::string("\xFF\x00", 2)},
-        {"%#1sizex%", "\xFF"},
+        {"%sizex% %$sizex%", "255 ff"},
+        {"%#2sizex%%#1sizex%", std::string("\xFF\x00\xFF", 3)},
         {"%#4depth%", std::string("\x04\x03\x02\x01", 4)},
         {"%tilebase% %$tilebase%", "-2 fffffffe"},
-        {"%$name%", "Nom_1"},
-        {"%#2name%", "Nom_1"},
-        {"[%unknown%]", "[]"},
-        {"(\"%link%\")", "(\"\")"},
+        {"%$name%%#2name%", "Nom_1Nom_1"},
+        {"[%unknown%](\"%link%\")", "[](\"\")"},
         {"a%%b", "ab"},
-        {"%user[3]%", "lu dans le fichier"},
-        {"%$user[3]%", "lu dans le fichier"},
+        {"%user[3]%|%$user[3]%", "lu dans le fichier|lu dans le fichier"},
         {"%user[9]%%user3%", ""},
         {"abc\b\bZ", "aZc"},
         {"\bab\b", "ab"},
         {"a%sizex", "a255"}, // ends inside a field: what was collected counts
         {"a%+else", "a"},
     };
-    for (const Cas& c : cas)
+    for (const auto& c : cas)
         EXPECT_EQ(Gabarit(c.gabarit), c.attendu) << c.gabarit;
     EXPECT_TRUE(journal.messages.empty());
 
     // An over-long field name is cut, and the text goes on behind it.
     std::string long_ = "<%" + std::string(1500, 'n') + "%>";
     EXPECT_EQ(Gabarit(long_.c_str()), "<>");
-}
 
-TEST_F(Ecriture, LargeurBinaireInvalide) {
-    sizex = 255;
     EXPECT_EQ(Gabarit("<%#3sizex%%#0sizex%>"), "<>");
     EXPECT_EQ(journal.messages, (std::vector<std::string>{"[Debuging] Binary typing error (3)",
                                                           "[Debuging] Binary typing error (0)"}));
 }
 
 TEST_F(Ecriture, FormatsDElement) {
-    struct Cas {
+    const struct {
         const char* format;
         uint32_t valeur;
         std::string attendu;
-        bool erreur;
+    } cas[] = {
+        {"0x%04x, ", 31, "0x001f, "},
+        {"0x%08x, ", 0xdeadbeef, "0xdeadbeef, "},
+        {"%X", 255, "FF"},
+        {"%i;", 1234, "1234;"},
+        {"%4x|%02X", 10, "   a|0A"},
+        {"%2b", 0x1234, "\x34\x12"},
+        {"%1b", 0x1ff, "\xFF"},
+        {"%4b", 0x01020304, "\x04\x03\x02\x01"},
+        {"%2b%b", 0xabcd, "\xCD\xAB\xCD\xAB"}, // the width stays in force
+        {"a%qb", 7, "ab"},                     // an unknown letter drops both
+        {"\b%i", 5, "\b5"},                    // no take-back in an element format
+        {"<%b>", 7, "<>"},
+        {"<%3b>", 7, "<>"},
     };
-    const Cas cas[] = {
-        {"0x%04x, ", 31, "0x001f, ", false},
-        {"0x%08x, ", 0xdeadbeef, "0xdeadbeef, ", false},
-        {"%X", 255, "FF", false},
-        {"%i;", 1234, "1234;", false},
-        {"%4x|%02X", 10, "   a|0A", false},
-        {"%2b", 0x1234, "\x34\x12", false},
-        {"%1b", 0x1ff, "\xFF", false},
-        {"%4b", 0x01020304, "\x04\x03\x02\x01", false},
-        {"%2b%b", 0xabcd, "\xCD\xAB\xCD\xAB", false}, // the width stays in force
-        {"a%qb", 7, "ab", false},                     // an unknown letter drops both
-        {"\b%i", 5, "\b5", false},                    // no take-back in an element format
-        {"<%b>", 7, "<>", true},
-        {"<%3b>", 7, "<>", true},
-    };
-    for (const Cas& c : cas) {
+    for (const auto& c : cas) {
         journal.messages.clear();
         EXPECT_EQ(Ecrit([&](FILE* f) { EcritValeur(f, c.format, c.valeur); }), c.attendu) << c.format;
-        if (c.erreur) {
-            EXPECT_EQ(
-                journal.messages,
-                std::vector<std::string>{"[Debuging] Binary type error (please use %1b, %2b, %4b only)"})
-                << c.format;
-        } else {
-            EXPECT_TRUE(journal.messages.empty()) << c.format;
-        }
+        const bool erreur = c.attendu == "<>";
+        EXPECT_EQ(journal.messages,
+                  std::vector<std::string>(erreur, "[Debuging] Binary type error (please use "
+                                                   "%1b, %2b, %4b only)"))
+            << c.format;
     }
 }
 
@@ -159,13 +131,12 @@ TEST_F(Ecriture, EveryXSelonLaLigne) {
     for (uint32_t i = 0; i < 16; ++i)
         valeurs.push_back(i);
     SectionFormat s{"", 4, "|", "%i ", "", "", "L", "", ""};
-    struct Cas {
+    const struct {
         const char* ligne;
         int n_every;
         bool parColonne;
         const char* attendu;
-    };
-    const Cas cas[] = {
+    } cas[] = {
         // With a line, v is the column: every_x once per row, before column 4.
         {"L", 4, false, "0 1 2 3 |4 5 6 7 L8 9 10 11 |12 13 14 15 L"},
         // Without, v runs over the file: also before the first value of row 2.
@@ -176,7 +147,7 @@ TEST_F(Ecriture, EveryXSelonLaLigne) {
         {"L", 0, false, "0 1 2 3 4 5 6 7 L8 9 10 11 12 13 14 15 L"},
         {"", -1, false, "0 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 "},
     };
-    for (const Cas& c : cas) {
+    for (const auto& c : cas) {
         s.line = c.ligne;
         s.n_every = c.n_every;
         EXPECT_EQ(
@@ -185,8 +156,7 @@ TEST_F(Ecriture, EveryXSelonLaLigne) {
             << c.ligne << " " << c.n_every;
     }
     // A palette counts colours and writes no line.
-    s.n_every = 3;
-    s.line = "L";
+    s.n_every = 3, s.line = "L";
     EXPECT_EQ(Ecrit([&](FILE* f) { EcritValeursPalette(f, s, valeurs.data(), 7); }), "0 1 2 |3 4 5 |6 ");
 }
 
@@ -194,12 +164,11 @@ TEST_F(Ecriture, MosaiqueSelonLaProfondeur) {
     // Two tiles of 8 pixels; at 4 bits only the low half of a pixel counts.
     const uint32_t pixels[] = {1, 2, 3, 4, 5, 6, 7, 8, 0x1a, 0xb, 0xc, 0xd, 0xe, 0xf, 0x10, 0x11};
     SectionFormat s{"", 3, "/", "e%i ", "%02x ", "t%i ", "|", "", ""};
-    struct Cas {
+    const struct {
         int profondeur;
         const char* ligne;
         const char* attendu;
-    };
-    const Cas cas[] = {
+    } cas[] = {
         // Two pixels a value, the first in the low half; v is the pixel number
         // in the tile, going up by two: every_x before pixel 6.
         {4, "|", "21 43 65 /87 |ba dc fe /10 |"},
@@ -208,26 +177,20 @@ TEST_F(Ecriture, MosaiqueSelonLaProfondeur) {
         {8, "|", "e1 e2 e3 /e4 e5 e6 /e7 e8 |e26 e11 e12 /e13 e14 e15 /e16 e17 |"},
         {15, "", "t1 t2 t3 /t4 t5 t6 /t7 t8 t26 /t11 t12 t13 /t14 t15 t16 /t17 "},
     };
-    for (const Cas& c : cas) {
+    for (const auto& c : cas) {
         s.line = c.ligne;
         EXPECT_EQ(Ecrit([&](FILE* f) { EcritValeursMosaique(f, s, pixels, 2, 8, c.profondeur); }), c.attendu)
             << c.profondeur << " " << c.ligne;
     }
-}
 
-TEST_F(Ecriture, CarteSelonLaLargeurDesCellules) {
-    const SectionFormat& map = Section(SECTION_MAP);
+    // Map cells of 8, 16 and 32 bits, with the line of "Standard".
+    const SectionFormat& map = FormatCourant.sections[SECTION_MAP];
     const uint32_t cellules[] = {0x12, 0x3, 0x45, 0xef};
-    struct Cas {
-        const char* element;
-        const char* attendu;
-    };
-    const Cas cas[] = {
+    const std::pair<const char*, const char*> cartes[] = {
         {map.element2, "0x12, 0x03},\r\n\t{0x45, 0xef},\r\n\t{"},
         {map.element, "0x0012, 0x0003},\r\n\t{0x0045, 0x00ef},\r\n\t{"},
         {map.element3, "0x00000012, 0x00000003},\r\n\t{0x00000045, 0x000000ef},\r\n\t{"},
     };
-    for (const Cas& c : cas)
-        EXPECT_EQ(Ecrit([&](FILE* f) { EcritValeursLignes(f, map, c.element, cellules, 2, 2); }), c.attendu)
-            << c.element;
+    for (const auto& [element, attendu] : cartes)
+        EXPECT_EQ(Ecrit([&](FILE* f) { EcritValeursLignes(f, map, element, cellules, 2, 2); }), attendu);
 }

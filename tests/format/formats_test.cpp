@@ -5,6 +5,7 @@
 #include "format/formats.h"
 #include "script/interpreteur.h"
 #include "tests/support/enregistreur.h"
+#include "tests/support/scripts.h"
 
 #include <gtest/gtest.h>
 
@@ -12,12 +13,6 @@
 #include <string>
 
 namespace {
-
-// Runs a script given as text, as a file of the working directory.
-void Execute(const std::string& script) {
-    EcritFichier("essai.spt", script);
-    ASSERT_EQ(ExecuteFichierScript("essai.spt", nullptr), 1);
-}
 
 struct Formats : testing::Test {
     DossierTemporaire dossier;
@@ -53,7 +48,8 @@ TEST_F(Formats, StandardEstLeFormatChoisiAuDepart) {
     EXPECT_EQ(FormatCourant.sections[SECTION_LIST].n_every, 0);
     EXPECT_STREQ(FormatCourant.sections[SECTION_LIST].element, "\r\n\t{#type#,#x#,#y##+param:\",\":\"\"#},");
     const char* exts[] = {".b16.c", ".b8.c", ".pal.c", ".til.c", ".map.c", ".lst.c"};
-    for (int s = 0; s < NB_SECTIONS; ++s) EXPECT_STREQ(FormatCourant.sections[s].ext, exts[s]);
+    for (int s = 0; s < NB_SECTIONS; ++s)
+        EXPECT_STREQ(FormatCourant.sections[s].ext, exts[s]);
     EXPECT_STREQ(FormatCourant.type16, "short");
     EXPECT_STREQ(FormatCourant.typesd, "SPRITE_LISTE");
     EXPECT_STREQ(FormatCourant.user[1], "#include \"def.h\"");
@@ -63,11 +59,7 @@ TEST_F(Formats, StandardEstLeFormatChoisiAuDepart) {
 TEST_F(Formats, NouveauFormatCopieLeFormatChoisi) {
     // Only the ext of bitmap8 differs from "Standard"; keys in capitals work and
     // the value keeps its case; a '#' in quotes stays, outside it is a comment.
-    Execute("defformat \"Autre\" {\n"
-            "  BITMAP8 {\n"
-            "    EXT = \".B8.Txt#x\"   # comment\n"
-            "  }\n"
-            "}\n");
+    Execute("defformat \"Autre\" {\n  BITMAP8 {\n    EXT = \".B8.Txt#x\"   # comment\n  }\n}\n");
     int autre = Slot("Autre");
     ASSERT_EQ(autre, 1);
     EXPECT_EQ(NbFormats, 2);
@@ -85,18 +77,15 @@ TEST_F(Formats, NouveauFormatCopieLeFormatChoisi) {
     EXPECT_STREQ(NomFormatCourant(), "Standard");
 
     // Made while "Autre" is selected, a third format copies "Autre".
-    Execute("selformat \"Autre\"\n"
-            "defformat Troisieme {\n"
-            "  map {\n    n_every = 4\n    element = 'x%i'\n  }\n"
-            "  type16 = \"hword\"\n  user[3] = *trois*\n"
-            "}\n");
+    Execute("selformat \"Autre\"\ndefformat Troisieme {\n  map {\n    n_every = 4\n    element = 'x%i'\n  }\n"
+            "  type16 = \"hword\"\n  user[3] = *trois*\n}\n");
     int trois = Slot("troisieme"); // an unquoted name is folded with its line
     ASSERT_GE(trois, 0);
-    EXPECT_STREQ(TableFormats[trois].sections[SECTION_BITMAP8].ext, ".B8.Txt#x");
-    EXPECT_EQ(TableFormats[trois].sections[SECTION_MAP].n_every, 4);
-    EXPECT_STREQ(TableFormats[trois].sections[SECTION_MAP].element, "x%i");
-    EXPECT_STREQ(TableFormats[trois].type16, "hword");
-    EXPECT_STREQ(TableFormats[trois].user[3], "trois");
+    const DefinitionFormat& t = TableFormats[trois];
+    EXPECT_EQ(std::string(t.sections[SECTION_BITMAP8].ext) + "|" +
+                  std::to_string(t.sections[SECTION_MAP].n_every) + "|" + t.sections[SECTION_MAP].element +
+                  "|" + t.type16 + "|" + t.user[3],
+              ".B8.Txt#x|4|x%i|hword|trois");
 }
 
 TEST_F(Formats, RedefinitionPriseALaProchaineSelection) {
@@ -111,14 +100,14 @@ TEST_F(Formats, RedefinitionPriseALaProchaineSelection) {
 
 TEST_F(Formats, MessagesEtFinsDeBloc) {
     Execute("defformat \"G\"\n"
-            "{\n"                     // an unknown section of no name: no effect
-            "  ext = \".x\"\n"        // outside any section
-            "  ? = 3\n"               // no key: '?' is unexpected
+            "{\n"              // an unknown section of no name: no effect
+            "  ext = \".x\"\n" // outside any section
+            "  ? = 3\n"        // no key: '?' is unexpected
             "  tileset {\n"
             "    n_chaque = 3\n"
             "  }\n"
             "}\n"
-            "convert.nuances = 7\n"  // the script goes on behind the block
+            "convert.nuances = 7\n" // the script goes on behind the block
             "defformat pasdaccolade\n"
             "selformat \"Absent\"\n");
     EXPECT_EQ(journal.messages,
@@ -143,7 +132,8 @@ TEST_F(Formats, MessagesEtFinsDeBloc) {
 TEST_F(Formats, TablePleineEtPoolPleinRefusesProprement) {
     std::string script;
     for (int i = 1; i < NB_FORMATS_MAX; ++i)
-        script += "defformat \"f" + std::to_string(i) + "\" {\n map {\n  ext = \".e" + std::to_string(i) + "\"\n }\n}\n";
+        script += "defformat \"f" + std::to_string(i) + "\" {\n map {\n  ext = \".e" + std::to_string(i) +
+                  "\"\n }\n}\n";
     script += "defformat \"deTrop\" {\n map {\n  ext = \".trop\"\n }\n}\nconvert.nuances = 9\n";
     Execute(script);
     EXPECT_EQ(NbFormats, NB_FORMATS_MAX);
@@ -155,7 +145,8 @@ TEST_F(Formats, TablePleineEtPoolPleinRefusesProprement) {
     // the others stay.
     std::string longue(4000, 'a');
     std::string bloc = "defformat \"f1\" {\n map {\n";
-    for (int i = 0; i < 300; ++i) bloc += "  declaration = \"" + longue + std::to_string(i) + "\"\n";
+    for (int i = 0; i < 300; ++i)
+        bloc += "  declaration = \"" + longue + std::to_string(i) + "\"\n";
     bloc += "  ext = \"" + longue + "\"\n }\n}\n";
     Execute(bloc);
     const char* decl = TableFormats[Slot("f1")].sections[SECTION_MAP].declaration;

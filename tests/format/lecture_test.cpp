@@ -7,14 +7,11 @@
 #include "format/variables.h"
 #include "platform/texte.h"
 #include "tests/support/enregistreur.h"
+#include "tests/support/tampons.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <functional>
 #include <iterator>
 #include <random>
 #include <string>
@@ -34,43 +31,9 @@ struct Lecture : testing::Test {
     void TearDown() override { SilenceLecture = false; }
 };
 
-// A read buffer of exactly the data and its terminator, so that a read past
-// the end is caught by the address sanitizer.
-struct Donnees {
-    TamponLecture t;
-    explicit Donnees(const std::string& s) {
-        t.donnees = (char*)malloc(s.size() + 1);
-        memcpy(t.donnees, s.data(), s.size());
-        t.donnees[s.size()] = 0;
-        t.taille = (int32_t)s.size();
-    }
-    ~Donnees() { LibereTampon(t); }
-    Donnees(const Donnees&) = delete;
-    Donnees& operator=(const Donnees&) = delete;
-};
-
-std::string Ecrit(const std::function<void(FILE*)>& f) {
-    FILE* fichier = fopen("sortie.bin", "wb");
-    if (!fichier) return "";
-    f(fichier);
-    fclose(fichier);
-    return LitFichier("sortie.bin");
-}
-
 // ---- Round trip through the writer -------------------------------------------
 
 enum Genre { LIGNES, PALETTE, MOSAIQUE };
-enum : unsigned {
-    V_TAILLES = 1, // sizex, sizey
-    V_SIZE = 2,
-    V_NAME = 4,
-    V_LINK = 8,
-    V_DEPTH = 16,
-    V_TUILES = 32, // tilex, tiley
-    V_CARTE = 64,  // tilebase, gfxmask, type
-    V_MEMORY = 128,
-};
-
 struct Cas {
     const char* nom;
     SectionFormat section;
@@ -78,7 +41,7 @@ struct Cas {
     int element;            // 1: element, 2: element2, 3: element3
     int profondeur;         // bits of a value; tilesets: 4, 8 or 15
     uint32_t masque;        // the widest value
-    unsigned variables;     // what the declaration carries
+    const char* variables;  // what the declaration carries
     const char* autreLigne; // the other line variant (null: none), and its end
     const char* autreFin;
 };
@@ -87,38 +50,26 @@ const char* Element(const SectionFormat& s, int n) {
     return n == 2 ? s.element2 : n == 3 ? s.element3 : s.element;
 }
 
-// Assembler text: the map section of a user's format.
+// Assembler text, the map section of a user's format; raw bytes, that serve
+// bitmaps, tilesets and maps.
+// clang-format off
 const SectionFormat Assembleur = {
-    "@ %name% %sizex%x%sizey% tiles \"%link%\"\n\t.global %name%\n%name%:\n\t.hword ",
-    6,
-    "\b\n\t.hword ",
-    "0x%04X,",
-    "%i,",
-    "0x%08X,",
-    "\b\n\t.hword ",
-    "\b\b\b\b\b\b\b\b@ end\n",
-    ".s"};
-// Raw bytes: serves bitmaps, tilesets and maps.
-const SectionFormat Binaire = {"TSB1%#2sizex%%#2sizey%%#4size%%#1depth%%name%;",
-                               4,
-                               "\n",
-                               "%2b",
-                               "%1b",
-                               "%4b",
-                               "\xFF\xFE",
-                               "END",
-                               ".bin"};
+    "@ %name% %sizex%x%sizey% tiles \"%link%\"\n\t.global %name%\n%name%:\n\t.hword ", 6, "\b\n\t.hword ",
+    "0x%04X,", "%i,", "0x%08X,", "\b\n\t.hword ", "\b\b\b\b\b\b\b\b@ end\n", ".s"};
+const SectionFormat Binaire = {
+    "TSB1%#2sizex%%#2sizey%%#4size%%#1depth%%name%;", 4, "\n", "%2b", "%1b", "%4b", "\xFF\xFE", "END", ".bin"};
+// clang-format on
 
 std::vector<Cas> TousLesCas() {
     const SectionFormat* S = FormatCourant.sections;
-    const unsigned b16 = V_TAILLES | V_NAME | V_MEMORY, pal = V_SIZE | V_NAME | V_MEMORY;
-    const unsigned til = V_SIZE | V_NAME | V_LINK | V_DEPTH | V_TUILES | V_MEMORY;
-    const unsigned map = V_TAILLES | V_NAME | V_LINK | V_TUILES | V_CARTE | V_MEMORY;
-    const unsigned asm_ = V_TAILLES | V_NAME | V_LINK, bin = V_TAILLES | V_SIZE | V_DEPTH | V_NAME;
+    const char *b16 = "sizex sizey name memory", *b8 = "sizex sizey name memory link";
+    const char *pal = "size name memory", *til = "size name link depth tilex tiley memory";
+    const char* map = "sizex sizey name link tilex tiley tilebase gfxmask type memory";
+    const char *asm_ = "sizex sizey name link", *bin = "sizex sizey size depth name";
     const char* finC = "\b\b};\r\n";
     return {
         {"bitmap16", S[SECTION_BITMAP16], LIGNES, 1, 16, 0x7fff, b16, "", finC},
-        {"bitmap8", S[SECTION_BITMAP8], LIGNES, 1, 8, 0xff, b16 | V_LINK, "\b\r\n", finC},
+        {"bitmap8", S[SECTION_BITMAP8], LIGNES, 1, 8, 0xff, b8, "\b\r\n", finC},
         {"palette", S[SECTION_PALETTE], PALETTE, 1, 16, 0x7fff, pal, nullptr, nullptr},
         {"tileset 4", S[SECTION_TILESET], MOSAIQUE, 2, 4, 0xf, til, "\b\r\n", finC},
         {"tileset 8", S[SECTION_TILESET], MOSAIQUE, 1, 8, 0xff, til, "\b\r\n", finC},
@@ -151,16 +102,12 @@ std::vector<uint32_t> Genere(const Cas& c, int w, int h, uint32_t graine) {
 void PrepareEcriture(const Cas& c, int w, int h) {
     RestaureVariables();
     ChargeTextesUser();
-    sizex = w;
-    sizey = h;
-    tilex = 16;
-    tiley = 8;
-    tilebase = 3;
-    gfxmask = 0x3ff;
-    MetTexteVariable("file", "source.bmp");
-    MetTexteVariable("name", "essai_1");
-    MetTexteVariable("link", "gfx\\essai.pal.c");
-    MetTexteVariable("type", "short");
+    sizex = w, sizey = h, tilex = 16, tiley = 8, tilebase = 3, gfxmask = 0x3ff;
+    for (const auto& [nom, texte] : {std::pair{"file", "source.bmp"},
+                                     {"name", "essai_1"},
+                                     {"link", "gfx\\essai.pal.c"},
+                                     {"type", "short"}})
+        MetTexteVariable(nom, texte);
     MetEntierVariable("size", c.genre == MOSAIQUE ? h : w * h);
     MetEntierVariable("memory", w * h * 2);
     MetEntierVariable("depth", c.profondeur);
@@ -226,8 +173,8 @@ Resultat LitDonnees(const TamponLecture& t, const Cas& c, const SectionFormat& s
     return r;
 }
 
-const int Tailles[][2] = {{1, 1}, {2, 1}, {1, 3},  {3, 2},  {5, 17}, {7, 5},
-                          {8, 8}, {9, 4}, {12, 3}, {16, 2}, {24, 1}, {37, 23}};
+const std::pair<int, int> Tailles[] = {{1, 1}, {2, 1}, {1, 3},  {3, 2},  {5, 17}, {7, 5},
+                                       {8, 8}, {9, 4}, {12, 3}, {16, 2}, {24, 1}, {37, 23}};
 
 } // namespace
 
@@ -240,61 +187,45 @@ TEST_F(Lecture, AllerRetourDeToutesLesSections) {
             for (int n : {c.section.n_every, 0, 1, 3, 8}) {
                 SectionFormat s = c.section;
                 s.n_every = n;
-                if (variante == 1) {
-                    s.line = c.autreLigne;
-                    s.end = c.autreFin;
-                }
-                for (const auto& taille : Tailles) {
-                    const int w = taille[0], h = taille[1];
+                if (variante == 1) s.line = c.autreLigne, s.end = c.autreFin;
+                for (const auto& [w, h] : Tailles) {
                     SCOPED_TRACE(std::string(c.nom) + " line " + std::to_string(variante) + " n_every " +
                                  std::to_string(n) + " " + std::to_string(w) + "x" + std::to_string(h));
                     std::vector<uint32_t> valeurs =
                         Genere(c, w, h, (uint32_t)(k * 1000 + (size_t)(w * 37 + h)));
                     PrepareEcriture(c, w, h);
-                    EcritDonnees(c, s, valeurs, w, h);
+                    Donnees d(EcritDonnees(c, s, valeurs, w, h));
                     ++fichiers;
 
                     RestaureVariables();
                     ChargeTextesUser();
                     sizex = sizey = tilex = tiley = tilebase = 0;
                     gfxmask = -1;
-                    char nom[32] = "", lien[32] = "", type[32] = "";
-                    MetTamponVariable("name", nom, sizeof nom);
-                    MetTamponVariable("link", lien, sizeof lien);
-                    MetTamponVariable("type", type, sizeof type);
-                    TamponLecture t;
-                    ASSERT_EQ(ChargeTampon("sortie.bin", t), 1);
-                    Resultat r = LitDonnees(t, c, s, w, h);
-                    const int32_t taille = t.taille;
-                    LibereTampon(t);
-
+                    TamponsTexte<32> b;
+                    Resultat r = LitDonnees(d.t, c, s, w, h);
                     EXPECT_FALSE(r.horsBornes);
-                    EXPECT_LE(r.position, taille);
+                    EXPECT_LE(r.position, d.t.taille);
                     EXPECT_EQ(r.valeurs, valeurs);
                     // What the declaration carries comes back.
-                    const std::string texte = std::string(nom) + "|" + lien + "|" + type;
                     const struct {
-                        unsigned bit;
+                        std::string nom;
                         int64_t lu, ecrit;
-                    } lus[] = {
-                        {V_TAILLES, sizex, w},
-                        {V_TAILLES, sizey, h},
-                        {V_TUILES, tilex, 16},
-                        {V_TUILES, tiley, 8},
-                        {V_SIZE, ValeurVariable("size"), c.genre == MOSAIQUE ? h : w * h},
-                        {V_MEMORY, ValeurVariable("memory"), w * h * 2},
-                        {V_DEPTH, ValeurVariable("depth"), c.profondeur},
-                        {V_CARTE, tilebase, 3},
-                        {V_CARTE, gfxmask, 0x3ff},
-                        {V_NAME, texte.find("essai_1|") == 0, 1},
-                        {V_LINK, texte.find("|gfx\\essai.pal.c|") != std::string::npos, 1},
-                        {V_CARTE, texte.find("|short") != std::string::npos, 1},
-                    };
-                    for (const auto& v : lus) {
-                        if (c.variables & v.bit) {
-                            EXPECT_EQ(v.lu, v.ecrit) << "variable " << v.bit << ": " << texte;
-                        }
-                    }
+                    } lus[] = {{"sizex", sizex, w},
+                               {"sizey", sizey, h},
+                               {"tilex", tilex, 16},
+                               {"tiley", tiley, 8},
+                               {"size", ValeurVariable("size"), c.genre == MOSAIQUE ? h : w * h},
+                               {"memory", ValeurVariable("memory"), w * h * 2},
+                               {"depth", ValeurVariable("depth"), c.profondeur},
+                               {"tilebase", tilebase, 3},
+                               {"gfxmask", gfxmask, 0x3ff},
+                               {"name", std::string(b.nom) == "essai_1", 1},
+                               {"link", std::string(b.lien) == "gfx\\essai.pal.c", 1},
+                               {"type", std::string(b.type) == "short", 1}};
+                    const std::string porte = " " + std::string(c.variables) + " ";
+                    for (const auto& v : lus)
+                        EXPECT_TRUE(porte.find(" " + v.nom + " ") == std::string::npos || v.lu == v.ecrit)
+                            << v.nom << " " << v.lu;
                     if (HasFailure()) return;
                 }
             }
@@ -306,11 +237,7 @@ TEST_F(Lecture, AllerRetourDeToutesLesSections) {
 
 TEST_F(Lecture, DeclarationDeCarteAncienneEtNouvelle) {
     const SectionFormat& map = FormatCourant.sections[SECTION_MAP];
-    sizex = 4;
-    sizey = 3;
-    tilex = tiley = 8;
-    tilebase = 7;
-    gfxmask = 0x1f;
+    sizex = 4, sizey = 3, tilex = tiley = 8, tilebase = 7, gfxmask = 0x1f;
     MetTexteVariable("link", "a.til.c");
     MetTexteVariable("name", "niveau");
     MetTexteVariable("type", "short");
@@ -324,44 +251,37 @@ TEST_F(Lecture, DeclarationDeCarteAncienneEtNouvelle) {
     ancien.replace(ancien.find(",7,1f)"), 6, ")");
     ancien.replace(ancien.find("\r\n\r\nconst"), 4, "\r\n");
 
-    struct Attendu {
+    const struct {
         const std::string* fichier;
         int tilebase, gfxmask;
-    };
-    for (const Attendu& a : {Attendu{&ecrit, 7, 0x1f}, Attendu{&ancien, 5, 0x3ff}}) {
+    } attendus[] = {{&ecrit, 7, 0x1f}, {&ancien, 5, 0x3ff}};
+    for (const auto& a : attendus) {
         RestaureVariables();
         sizex = sizey = 0;
         tilebase = 5; // the start values stand when the file has none
         gfxmask = 0x3ff;
-        char nom[32] = "", lien[32] = "", type[32] = "";
-        MetTamponVariable("name", nom, sizeof nom);
-        MetTamponVariable("link", lien, sizeof lien);
-        MetTamponVariable("type", type, sizeof type);
+        TamponsTexte<32> b;
         Donnees d(*a.fichier + "0x0001, ");
         EXPECT_EQ(LitGabarit(0, d.t, map.declaration), (int32_t)a.fichier->size());
         EXPECT_EQ(tilebase, a.tilebase);
         EXPECT_EQ(gfxmask, a.gfxmask);
-        EXPECT_STREQ(lien, "a.til.c");
-        EXPECT_STREQ(nom, "niveau");
-        EXPECT_STREQ(type, "short");
-        EXPECT_EQ(sizex, 4);
-        EXPECT_EQ(sizey, 3);
+        EXPECT_EQ(std::string(b.nom) + "|" + b.lien + "|" + b.type, "niveau|a.til.c|short");
+        EXPECT_EQ(sizex * 10 + sizey, 43);
     }
     EXPECT_TRUE(journal.messages.empty());
 }
 
 TEST_F(Lecture, GabaritsCasParticuliers) {
-    struct Cas {
+    const std::string differe = "[Debuging] The file format doesn't match with the expected one.";
+    const std::string recupere = "[Debuging] Attempts to recover from a fatal reading error...";
+    const struct {
         const char* gabarit;
         std::string donnees;
         int32_t retour;  // -1: the failure position
         const char* nom; // the name buffer afterwards
         int sizex;
         std::vector<std::string> messages;
-    };
-    const std::string differe = "[Debuging] The file format doesn't match with the expected one.";
-    const std::string recupere = "[Debuging] Attempts to recover from a fatal reading error...";
-    const Cas cas[] = {
+    } cas[] = {
         // The condition looks at the text ahead and picks the branch.
         {"%+if<>c%\r\nc%+else%c%+endif%onst %name%;", "\r\nconst abc;x", 12, "abc", 0, {}},
         {"%+if<>c%\r\nc%+else%c%+endif%onst %name%;", "const abc;x", 10, "abc", 0, {}},
@@ -383,7 +303,7 @@ TEST_F(Lecture, GabaritsCasParticuliers) {
         // A template that ends inside a field.
         {"<%name", "<abc>", 1, "avant", 0, {}},
     };
-    for (const Cas& c : cas) {
+    for (const auto& c : cas) {
         RestaureVariables();
         sizex = sizey = 0;
         char nom[32] = "avant";
@@ -414,24 +334,19 @@ TEST_F(Lecture, SilenceDesErreursDeLecture) {
 }
 
 TEST_F(Lecture, ChampsBinaires) {
-    struct Cas {
+    // With no literal behind, the bytes at the position; with one, the bytes up to it.
+    const struct {
         const char* gabarit;
         std::string donnees;
-        int32_t retour;
-        int32_t size;
+        int32_t retour, size;
         std::vector<std::string> messages;
-    };
-    const Cas cas[] = {
-        // No literal behind: the bytes at the position.
-        {"%#4size%", std::string("\x01\x02\x03\x04zz", 6), 4, 0x04030201, {}},
-        {"%#2size%", "\xFE\xFF", 2, -2, {}},
-        {"%#1size%", "\x80!", 1, -128, {}},
-        // A literal right behind: the bytes up to it are the value.
-        {"%#4size%;;", std::string("\x05\x00\x00\x00;;tail", 10), 6, 5, {}},
-        {"%#2size%;;", std::string("\x05\x01;;tail", 8), 4, 0x105, {}},
-        {"%#3size%", "abcd", 3, 99, {"[Debuging] Binary tiping error"}},
-    };
-    for (const Cas& c : cas) {
+    } cas[] = {{"%#4size%", std::string("\x01\x02\x03\x04zz", 6), 4, 0x04030201, {}},
+               {"%#2size%", "\xFE\xFF", 2, -2, {}},
+               {"%#1size%", "\x80!", 1, -128, {}},
+               {"%#4size%;;", std::string("\x05\x00\x00\x00;;tail", 10), 6, 5, {}},
+               {"%#2size%;;", std::string("\x05\x01;;tail", 8), 4, 0x105, {}},
+               {"%#3size%", "abcd", 3, 99, {"[Debuging] Binary tiping error"}}};
+    for (const auto& c : cas) {
         RestaureVariables();
         MetEntierVariable("size", 99);
         journal.messages.clear();
@@ -445,16 +360,16 @@ TEST_F(Lecture, ChampsBinaires) {
 TEST_F(Lecture, VariablesLues) {
     char nom[8] = "avant";
     MetTamponVariable("name", nom, sizeof nom);
-    struct Cas {
+    const struct {
         const char* champ;
         std::string valeur;
         int32_t sizex;
-    };
-    const Cas cas[] = {
-        {"$sizex", "1f,", 31}, {"$sizex", "0x10", 0}, {"sizex", "  -12)", -12},
-        {"#3sizex", "abc", 1}, {"sizexx", "5", 1}, // names compare exactly
-    };
-    for (const Cas& c : cas) {
+    } cas[] = {{"$sizex", "1f,", 31},
+               {"$sizex", "0x10", 0},
+               {"sizex", "  -12)", -12},
+               {"#3sizex", "abc", 1},
+               {"sizexx", "5", 1}}; // names compare exactly
+    for (const auto& c : cas) {
         sizex = 1;
         LitVariable(c.champ, c.valeur.data(), c.valeur.size());
         EXPECT_EQ(sizex, c.sizex) << c.champ;
@@ -475,32 +390,28 @@ TEST_F(Lecture, VariablesLues) {
 }
 
 TEST_F(Lecture, ValeursParFormatDElement) {
-    struct Cas {
+    // The trailing blank that \b took back costs nothing. -1: the failure position.
+    const struct {
         const char* format;
         std::string donnees;
-        int32_t retour; // -1: the failure position
-        int32_t resultat;
+        int32_t retour, resultat;
         bool message;
-    };
-    const Cas cas[] = {
-        // The trailing blank that \b took back costs nothing.
-        {"0x%04x, ", "0x001f,\r\n", 7, 31, false},
-        {"0x%04x, ", "0x001f, 0x0002", 8, 31, false},
-        {"0x%04x, ", "zz", -1, 77, false},
-        {"%i,", "123,4", 4, 123, false},
-        {"%X", "1Fa", 2, 31, false},
-        {"%x", "1Fa", 1, 1, false},
-        {"%2b", "\x34\x12", 2, 0x1234, false},
-        {"%2b", "\xFE\xFF", 2, -2, false},
-        {"%1b", "\x80", 1, -128, false},
-        {"%4b", "\x04\x03\x02\x01", 4, 0x01020304, false},
-        {"%4b", "ab", -1, 77, false},
-        {"%3b", "abcd", 3, 77, true},
-        {"%b", "abcd", -1, 77, true},
-        {"%q!", "!", 1, 77, false},
-        {"ab", "a", 1, 77, false},
-    };
-    for (const Cas& c : cas) {
+    } cas[] = {{"0x%04x, ", "0x001f,\r\n", 7, 31, false},
+               {"0x%04x, ", "0x001f, 0x0002", 8, 31, false},
+               {"0x%04x, ", "zz", -1, 77, false},
+               {"%i,", "123,4", 4, 123, false},
+               {"%X", "1Fa", 2, 31, false},
+               {"%x", "1Fa", 1, 1, false},
+               {"%2b", "\x34\x12", 2, 0x1234, false},
+               {"%2b", "\xFE\xFF", 2, -2, false},
+               {"%1b", "\x80", 1, -128, false},
+               {"%4b", "\x04\x03\x02\x01", 4, 0x01020304, false},
+               {"%4b", "ab", -1, 77, false},
+               {"%3b", "abcd", 3, 77, true},
+               {"%b", "abcd", -1, 77, true},
+               {"%q!", "!", 1, 77, false},
+               {"ab", "a", 1, 77, false}};
+    for (const auto& c : cas) {
         journal.messages.clear();
         Donnees d(c.donnees);
         int32_t r = 77;
@@ -537,46 +448,10 @@ TEST_F(Lecture, ChargementDuTampon) {
 
 namespace {
 
-const char Alphabet[] = "0123456789abcdefxX,; {}()[]\"/\\%#*\r\n\t\b=+-_cst\xE9\xFF";
+const std::string Alphabet = "0123456789abcdefxX,; {}()[]\"/\\%#*\r\n\t\b=+-_cst\xE9\xFF";
 
 char Au(std::mt19937& alea) {
-    return Alphabet[alea() % (sizeof Alphabet - 1)];
-}
-
-std::string Abime(std::string s, std::mt19937& alea) {
-    int operations = 1 + (int)(alea() % 3);
-    for (int k = 0; k < operations; ++k) {
-        size_t n = s.size();
-        size_t a = n ? alea() % n : 0, b = n ? alea() % n : 0;
-        if (a > b) std::swap(a, b);
-        switch (alea() % 6) {
-        case 0:
-            s.resize(a);
-            break; // cut
-        case 1:
-            for (int i = 0; i < 1 + (int)(alea() % 8) && n; ++i)
-                s[alea() % n] = (char)alea();
-            break;
-        case 2: { // junk, now and then more than a field holds
-            size_t l = alea() % 8 == 0 ? 1200 : 1 + alea() % 40;
-            std::string junk;
-            for (size_t i = 0; i < l; ++i)
-                junk += alea() % 4 ? Au(alea) : (char)alea();
-            s.insert(a, junk);
-            break;
-        }
-        case 3:
-            s.insert(b, s.substr(a, b - a));
-            break; // a span twice
-        case 4:
-            s.erase(a, b - a);
-            break;
-        default:
-            s.insert(0, std::string(1 + alea() % 5, Au(alea)));
-            break; // junk before the head
-        }
-    }
-    return s;
+    return alea() % 4 ? Alphabet[alea() % Alphabet.size()] : (char)alea();
 }
 
 } // namespace
@@ -585,13 +460,10 @@ TEST_F(Lecture, FichiersAbimesSansDebordement) {
     std::vector<Cas> cas = TousLesCas();
     cas.erase(cas.begin() + 9, cas.end()); // the sections of "Standard"
     std::mt19937 alea(20240611);
-    char nom[8], lien[8], type[8];
     int lectures = 0;
     auto Lit = [&](const Cas& c, const std::string& fichier, int w, int h) {
         RestaureVariables();
-        MetTamponVariable("name", nom, sizeof nom);
-        MetTamponVariable("link", lien, sizeof lien);
-        MetTamponVariable("type", type, sizeof type);
+        TamponsTexte<8> b;
         Donnees d(fichier);
         Resultat r = LitDonnees(d.t, c, c.section, w, h);
         ++lectures;
@@ -599,13 +471,11 @@ TEST_F(Lecture, FichiersAbimesSansDebordement) {
         if (journal.messages.size() > 1000) journal.messages.clear();
     };
     for (const Cas& c : cas) {
-        for (const auto& taille :
-             {std::array<int, 2>{3, 2}, std::array<int, 2>{9, 4}, std::array<int, 2>{16, 3}}) {
-            const int w = taille[0], h = taille[1];
+        for (const auto& [w, h] : {std::pair{3, 2}, {9, 4}, {16, 3}}) {
             PrepareEcriture(c, w, h);
             const std::string fichier = EcritDonnees(c, c.section, Genere(c, w, h, alea()), w, h);
             for (int i = 0; i < 120; ++i)
-                Lit(c, Abime(fichier, alea), w, h);
+                Lit(c, Abime(fichier, alea, Alphabet), w, h);
             for (size_t l = 0; l < fichier.size(); l += 1 + fichier.size() / 60)
                 Lit(c, fichier.substr(0, l), w, h);
             if (HasFailure()) return;
@@ -613,7 +483,7 @@ TEST_F(Lecture, FichiersAbimesSansDebordement) {
         for (int i = 0; i < 120; ++i) {
             std::string hasard;
             for (size_t l = alea() % 300; l; --l)
-                hasard += alea() % 3 ? Au(alea) : (char)alea();
+                hasard += Au(alea);
             Lit(c, hasard, 4, 3);
         }
     }
@@ -637,7 +507,7 @@ TEST_F(Lecture, GabaritsAuHasardSansDebordement) {
         for (int k = 1 + (int)(alea() % 4); k; --k)
             format += formats[alea() % std::size(formats)];
         for (size_t l = alea() % 120; l; --l)
-            donnees += alea() % 5 ? Au(alea) : (char)alea();
+            donnees += Au(alea);
         RestaureVariables();
         MetTamponVariable("name", nom, sizeof nom);
         Donnees d(donnees);

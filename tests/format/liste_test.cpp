@@ -6,14 +6,14 @@
 #include "format/liste.h"
 #include "platform/texte.h"
 #include "tests/support/enregistreur.h"
+#include "tests/support/tampons.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -25,17 +25,13 @@ struct Liste : testing::Test {
     ModeleParametres& Modele() { return TableModeles[ModeleSelectionne]; }
 };
 
-struct Parametre {
-    const char* nom;
-    int genre;
-    int taille;
-};
+using Parametre = std::tuple<const char*, int, int>; // name, kind, size
 
 void Parametres(ModeleParametres& m, const std::vector<Parametre>& p) {
     m.nbParametres = 0;
     m.taille = TailleModele(m);
-    for (const Parametre& x : p)
-        AjouteParametre(m, x.nom, x.genre, x.taille, "");
+    for (const auto& [nom, genre, taille] : p)
+        AjouteParametre(m, nom, genre, taille, "");
 }
 
 // One object of the model: x, y, type, then the parameters.
@@ -44,46 +40,25 @@ struct Objet {
     const ModeleParametres* m;
     explicit Objet(const ModeleParametres& modele) : octets((size_t)TailleModele(modele), 0), m(&modele) {}
     void Entier(int32_t decalage, int32_t v) { memcpy(octets.data() + decalage, &v, 4); }
-    void Base(int32_t x, int32_t y, int32_t type) {
-        Entier(0, x);
-        Entier(4, y);
-        Entier(8, type);
-    }
+    void Base(int32_t x, int32_t y, int32_t type) { Entier(0, x), Entier(4, y), Entier(8, type); }
     uint8_t* Parametre(int i) { return octets.data() + TAILLE_OBJET_BASE + DecalageParametre(*m, i); }
 };
 
-std::string Ecrit(const char* gabarit, const std::vector<Objet>& objets) {
-    FILE* f = fopen("liste.bin", "wb");
-    if (!f) return "";
-    for (const Objet& o : objets)
-        EcritObjetListe(f, gabarit, *o.m, o.octets.data());
-    fclose(f);
-    return LitFichier("liste.bin");
+std::string EcritObjets(const char* gabarit, const std::vector<Objet>& objets) {
+    return Ecrit([&](FILE* f) {
+        for (const Objet& o : objets)
+            EcritObjetListe(f, gabarit, *o.m, o.octets.data());
+    });
 }
-
-// A read buffer of exactly the data and its terminator.
-struct Donnees {
-    TamponLecture t;
-    explicit Donnees(const std::string& s) {
-        t.donnees = (char*)malloc(s.size() + 1);
-        memcpy(t.donnees, s.data(), s.size());
-        t.donnees[s.size()] = 0;
-        t.taille = (int32_t)s.size();
-    }
-    ~Donnees() { LibereTampon(t); }
-    Donnees(const Donnees&) = delete;
-    Donnees& operator=(const Donnees&) = delete;
-};
 
 } // namespace
 
 TEST_F(Liste, GabaritConstruitDuModele) {
-    struct Cas {
+    const struct {
         const char* element; // null: the built-in one
         std::vector<Parametre> parametres;
         const char* attendu;
-    };
-    const Cas cas[] = {
+    } cas[] = {
         {nullptr, {{"speed", 1, 4}, {"0x<flags>", 1, 4}}, "\r\n\t{#type#,#x#,#y#,#speed#,0x#0x<flags>#},"},
         {nullptr, {}, "\r\n\t{#type#,#x#,#y#},"},
         // A name that is only a bracketed word keeps its brackets.
@@ -98,7 +73,7 @@ TEST_F(Liste, GabaritConstruitDuModele) {
         {"{#x##+param:\",\":\"\"}", {{"a", 1, 4}}, "{#x##+param:\",\":\"\"}"},
     };
     const char* standard = FormatCourant.sections[SECTION_LIST].element;
-    for (const Cas& c : cas) {
+    for (const auto& c : cas) {
         FormatCourant.sections[SECTION_LIST].element = c.element ? c.element : standard;
         Parametres(Modele(), c.parametres);
         ConstruitGabaritListe();
@@ -137,14 +112,15 @@ TEST_F(Liste, ObjetsEcrits) {
     b.Base(0, 1, 2);
     memcpy(b.Parametre(1), "ABCDEFGH", 8); // fills its field: cut there
     b.Entier(12 + DecalageParametre(m, 2), -1);
-    EXPECT_EQ(Ecrit(GabaritListe, {a, b}), "\r\n\t{7,-3,12,250,abc,0x16},\r\n\t{2,0,1,0,ABCDEFGH,0x-1},");
+    EXPECT_EQ(EcritObjets(GabaritListe, {a, b}),
+              "\r\n\t{7,-3,12,250,abc,0x16},\r\n\t{2,0,1,0,ABCDEFGH,0x-1},");
 
     // A Raw text is written in full; unknown fields write nothing; a template
     // that ends inside a field stops there.
     Parametres(m, {{"texte", 2, 32}});
     Objet c(m);
     CopieBornee((char*)c.Parametre(0), 32, "un texte assez long, 27 car");
-    EXPECT_EQ(Ecrit("<#texte#|#inconnu#|#x", {c}), "<un texte assez long, 27 car||");
+    EXPECT_EQ(EcritObjets("<#texte#|#inconnu#|#x", {c}), "<un texte assez long, 27 car||");
     EXPECT_TRUE(journal.messages.empty());
 }
 
@@ -163,7 +139,7 @@ TEST_F(Liste, AllerRetourEnMode0) {
         o.Entier(12 + DecalageParametre(m, 2), -i * 7);
         objets.push_back(o);
     }
-    Donnees d("const liste[]=\t{" + Ecrit(GabaritListe, objets) + "\r\n};\r\n");
+    Donnees d("const liste[]=\t{" + EcritObjets(GabaritListe, objets) + "\r\n};\r\n");
     int32_t position = 0;
     for (const Objet& attendu : objets) {
         Objet lu(m);
@@ -183,25 +159,24 @@ TEST_F(Liste, ErreursEnMode0EtRecuperation) {
     ConstruitGabaritListe();
     const std::string differe = "[Debuging] The file format doesn't match with the expected one. (#)";
     const std::string fatale = "[Debuging] File format fatal error (#)";
-    struct Cas {
+    const struct {
         std::string donnees;
         int mode;
         int32_t retour; // -1: the failure position
         bool erreur;
         std::vector<std::string> messages;
-        int32_t type, x, y, speed;
-    };
-    const Cas cas[] = {
+        std::vector<int32_t> xytv; // x, y, type, speed
+    } cas[] = {
         // Mode 0: the head is nowhere, then a delimiter is nowhere.
-        {"no list here", LISTE_NORMALE, -1, true, {differe}, 0, 0, 0, 99},
-        {"\r\n\t{1,2", LISTE_NORMALE, -1, true, {fatale}, 1, 0, 0, 99},
+        {"no list here", LISTE_NORMALE, -1, true, {differe}, {0, 0, 0, 99}},
+        {"\r\n\t{1,2", LISTE_NORMALE, -1, true, {fatale}, {0, 0, 1, 99}},
         // Mode 2 is silent; the end mark ends an object of the older model.
-        {"\r\n\t{5,6,7},\r\n\t{8,9,10},", LISTE_RECUPERATION, 9, false, {}, 5, 6, 7, 99},
-        {"no list here", LISTE_RECUPERATION, 8, true, {}, 0, 0, 0, 99},
-        {"\r\n\t{1,2", LISTE_RECUPERATION, 6, true, {}, 1, 0, 0, 99},
-        {"\r\n\t{},\r\n\t{8", LISTE_RECUPERATION, 4, false, {}, 0, 0, 0, 99},
+        {"\r\n\t{5,6,7},\r\n\t{8,9,10},", LISTE_RECUPERATION, 9, false, {}, {6, 7, 5, 99}},
+        {"no list here", LISTE_RECUPERATION, 8, true, {}, {0, 0, 0, 99}},
+        {"\r\n\t{1,2", LISTE_RECUPERATION, 6, true, {}, {0, 0, 1, 99}},
+        {"\r\n\t{},\r\n\t{8", LISTE_RECUPERATION, 4, false, {}, {0, 0, 0, 99}},
     };
-    for (const Cas& c : cas) {
+    for (const auto& c : cas) {
         journal.messages.clear();
         Donnees d(c.donnees);
         Objet o(m);
@@ -212,12 +187,9 @@ TEST_F(Liste, ErreursEnMode0EtRecuperation) {
         EXPECT_EQ(p, c.retour < 0 ? d.t.taille + 1 : c.retour);
         EXPECT_EQ(erreur, c.erreur);
         EXPECT_EQ(journal.messages, c.messages);
-        int32_t v[4];
-        memcpy(v, o.octets.data(), 16);
-        EXPECT_EQ(v[2], c.type);
-        EXPECT_EQ(v[0], c.x);
-        EXPECT_EQ(v[1], c.y);
-        EXPECT_EQ(v[3], c.speed);
+        std::vector<int32_t> xytv(4);
+        memcpy(xytv.data(), o.octets.data(), 16);
+        EXPECT_EQ(xytv, c.xytv);
     }
 }
 
@@ -232,25 +204,10 @@ TEST_F(Liste, ListesAbimeesSansDebordement) {
         CopieBornee((char*)o.Parametre(1), 6, "nom");
         objets.push_back(o);
     }
-    const std::string fichier = Ecrit(GabaritListe, objets) + "\r\n};\r\n";
+    const std::string fichier = EcritObjets(GabaritListe, objets) + "\r\n};\r\n";
     std::mt19937 alea(11);
     for (int i = 0; i < 2000; ++i) {
-        std::string s = fichier;
-        size_t a = alea() % s.size(), l = alea() % 40;
-        switch (alea() % 4) {
-        case 0:
-            s.resize(a);
-            break;
-        case 1:
-            s[a] = "#,{}\r\n-9x"[alea() % 9];
-            break;
-        case 2:
-            s.insert(a, std::string(alea() % 8 ? l : 1200, "#,{}-7"[alea() % 6]));
-            break;
-        default:
-            s.erase(a, l);
-            break;
-        }
+        const std::string s = Abime(fichier, alea, "#,{}\r\n-9x7");
         Donnees d(s);
         for (int mode : {LISTE_NORMALE, LISTE_RECUPERATION}) {
             int32_t p = 0;

@@ -8,6 +8,9 @@
 #include "core/reglages.h"
 #include "format/ecriture.h"
 #include "format/formats.h"
+#include "format/liste.h"
+#include "core/modeles.h"
+#include "platform/texte.h"
 #include "format/variables.h"
 #include "render/blitters.h"
 #include "render/chargeurs.h"
@@ -653,4 +656,125 @@ TEST_F(Apercu, EcritApercuBmpDeLaTailleLogique) {
         }
         EXPECT_EQ(f[rangee + 15], 0);
     }
+}
+
+// ---- Lists ---------------------------------------------------------------------------------
+
+namespace {
+
+struct Objet {
+    int32_t x, y, type, vitesse;
+    char nom[8];
+};
+
+// A list file as the list editor writes it: declaration, one object template
+// and line per object, end.
+void EcritListe(const char* chemin, const char* modele, const std::vector<Objet>& objets) {
+    ASSERT_GE(SelectionneModele(modele), 1);
+    ConstruitGabaritListe();
+    FILE* f = fopen(chemin, "wb");
+    ASSERT_NE(f, nullptr);
+    RestaureVariables();
+    ChargeTextesUser();
+    MetTexteVariable("name", "essai");
+    MetTexteVariable("link", "t.til.c");
+    MetTexteVariable("type", "SPRITE_LISTE");
+    MetTexteVariable("model", modele);
+    MetEntierVariable("size", (int)objets.size());
+    const SectionFormat& s = FormatCourant.sections[SECTION_LIST];
+    EcritGabarit(s.declaration, f);
+    const ModeleParametres& m = TableModeles[ModeleSelectionne];
+    for (const Objet& o : objets) {
+        std::vector<uint8_t> octets((size_t)TailleModele(m));
+        memcpy(octets.data(), &o, std::min(octets.size(), sizeof o));
+        EcritObjetListe(f, GabaritListe, m, octets.data());
+        EcritGabarit(s.line, f);
+    }
+    EcritGabarit(s.end, f);
+    fclose(f);
+}
+
+struct Liste : Apercu {
+    ListeObjets liste;
+    uint32_t* tuiles = nullptr;
+    uint8_t palette[256 * 3] = {};
+    void SetUp() override {
+        Apercu::SetUp();
+        EcritPalette("p.pal.c", Palette(4));
+        EcritMosaique("t.til.c", 8, 8, 8, 2, Unites(8, 2));
+        CopieBornee(TableModeles[1].nom, "Ennemis");
+        NbModeles = 2;
+        AjouteParametre(TableModeles[1], "vitesse", PARAMETRE_ENTIER, 4, "0");
+        AjouteParametre(TableModeles[1], "nom", PARAMETRE_BRUT, 8, "");
+    }
+    void TearDown() override {
+        free(liste.objets);
+        free(tuiles);
+        Apercu::TearDown();
+    }
+    const Objet& Lu(int i) { return *(const Objet*)(liste.objets + (size_t)i * liste.taille); }
+};
+
+const std::vector<Objet> Trois = {{1, 2, 3, 40, "a"}, {-5, 600, 7, -1, "bcdefg"}, {0, 0, 0, 0, ""}};
+
+} // namespace
+
+TEST_F(Liste, ObjetsRelusAvecLeurModele) {
+    EcritListe("l.lst.c", "Ennemis", Trois);
+    SelectionneModele("Default");
+    ASSERT_EQ(ChargeListe(palette, &tuiles, Ligne(TYPE_LISTE, "l.lst.c"), liste), 1);
+    EXPECT_STREQ(TableModeles[ModeleSelectionne].nom, "Ennemis"); // named by the file
+    ASSERT_EQ(liste.nombre, 3);
+    EXPECT_EQ(liste.taille, 24);
+    EXPECT_EQ(liste.capacite, ReglagesSys.objetsMax);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(memcmp(&Lu(i), &Trois[(size_t)i], 16), 0) << i;
+        EXPECT_STREQ(Lu(i).nom, Trois[(size_t)i].nom);
+    }
+    EXPECT_EQ(NbTuiles, 2);
+    EXPECT_TRUE(journal.messages.empty());
+}
+
+TEST_F(Liste, ModeleQuiAGagneUnParametreRecupere) {
+    EcritListe("l.lst.c", "Ennemis", Trois);
+    AjouteParametre(TableModeles[1], "vie", PARAMETRE_ENTIER, 4, "7");
+    const std::string question =
+        "[Attention] The list format is incorrect, a more powerful algorithm will be tried to recuperate your file "
+        "even if some data is missing or the model has changed. This operation can fail, so you have to verify if "
+        "your list is correct before saving it.";
+    // The misread shows its box first; then the question, cancelled: the load gives up.
+    journal.reponses = {REPONSE_OK, REPONSE_ANNULER};
+    const int ligne = Ligne(TYPE_LISTE, "l.lst.c");
+    EXPECT_EQ(ChargeListe(palette, &tuiles, ligne, liste), 0);
+    EXPECT_EQ(journal.messages, (std::vector<std::string>{"[Debuging] File format fatal error (#)", question}));
+    // Accepted, x, y and type come back and the new parameter takes its default.
+    journal.messages.clear();
+    ASSERT_EQ(ChargeListe(palette, &tuiles, ligne, liste), 1);
+    EXPECT_EQ(journal.messages.back(), question);
+    ASSERT_EQ(liste.nombre, 3);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(Lu(i).x, Trois[(size_t)i].x) << i;
+        EXPECT_EQ(Lu(i).y, Trois[(size_t)i].y) << i;
+        EXPECT_EQ(Lu(i).type, Trois[(size_t)i].type) << i;
+        int32_t vie;
+        memcpy(&vie, liste.objets + (size_t)i * liste.taille + 24, 4);
+        EXPECT_EQ(vie, 7) << i;
+    }
+}
+
+TEST_F(Liste, ModeleInconnuEtTropDObjets) {
+    EcritListe("l.lst.c", "Ennemis", Trois);
+    CopieBornee(TableModeles[1].nom, "Autre");
+    const int ligne = Ligne(TYPE_LISTE, "l.lst.c");
+    EXPECT_EQ(ChargeListe(palette, &tuiles, ligne, liste), 0);
+    EXPECT_EQ(journal.messages,
+              std::vector<std::string>{"[Error] Unable to use the specified parameter model: Ennemis"});
+    CopieBornee(TableModeles[1].nom, "Ennemis");
+    journal.messages.clear();
+    ReglagesSys.objetsMax = 2;
+    EXPECT_EQ(ChargeListe(palette, &tuiles, ligne, liste), 0);
+    EXPECT_EQ(journal.messages,
+              std::vector<std::string>{"[l.lst.c] Unable to load this list because it contains more elements than the "
+                                       "maximum allowed. Modify the maximum number of elements per list in the "
+                                       "options."});
 }

@@ -4,6 +4,7 @@
 #include "platform/texte.h"
 #include "script/interpreteur.h"
 #include "tests/support/enregistreur.h"
+#include "tests/support/scripts.h"
 
 #include <gtest/gtest.h>
 
@@ -25,16 +26,10 @@ void ScriptDuProjet(const std::string& texte) {
     CopieBornee(ScriptPrincipal, "principal.spt");
 }
 
-const char* const PROCEDURES = "editor.timing = 1\n"
-                               "_Ma Procedure:\n"
-                               "editor.grid = 1\n"
-                               "fin\n"
-                               "  _Suite  Sans Fin :   # commentaire: oui\n"
-                               "editor.alphagrid = 7\n"
-                               "_derniere: ; autre\n"
-                               "editor.zeromask = 1\n"
-                               "onquit:\n"
-                               "aideperso = \"c:/aide.htm\"\n";
+const char* const PROCEDURES =
+    "editor.timing = 1\n_Ma Procedure:\neditor.grid = 1\nfin\n"
+    "  _Suite  Sans Fin :   # commentaire: oui\neditor.alphagrid = 7\n"
+    "_derniere: ; autre\neditor.zeromask = 1\nonquit:\naideperso = \"c:/aide.htm\"\n";
 
 struct Evenements : ::testing::Test {
     DossierTemporaire dossier;
@@ -43,15 +38,13 @@ struct Evenements : ::testing::Test {
 
 } // namespace
 
-TEST_F(Evenements, MenuDesProceduresEnOrdreDuFichier) {
+TEST_F(Evenements, MenuDesProcedures) {
     EcritFichier("proc.spt", PROCEDURES);
     std::vector<ElementMenu> menu;
     EXPECT_EQ(ConstruitMenuProcedures("proc.spt", menu), 3);
     EXPECT_EQ(Menu(menu), "Ma Procedure|16384\nSuite  Sans Fin |16385\nderniere|16386\n");
-}
 
-TEST_F(Evenements, MenuDesProceduresVide) {
-    std::vector<ElementMenu> menu = {{"ancien", 1, true}};
+    // With none, one entry that says why, greyed.
     EXPECT_EQ(ConstruitMenuProcedures("", menu), 0);
     EXPECT_EQ(Menu(menu), "(No script specified)|16383|off\n");
     EXPECT_EQ(ConstruitMenuProcedures("absent.spt", menu), 0);
@@ -65,18 +58,12 @@ TEST_F(Evenements, ChoisirUneProcedureExecuteSonEtiquette) {
     EcritFichier("proc.spt", PROCEDURES);
     std::vector<ElementMenu> menu;
     ASSERT_EQ(ConstruitMenuProcedures("proc.spt", menu), 3);
-
     ASSERT_EQ(ExecuteFichierScript("proc.spt", menu[0].texte.c_str()), 1);
-    EXPECT_EQ(ReglagesEdit.timing, 10);
-    EXPECT_EQ(ReglagesEdit.grille, 1);
-    EXPECT_EQ(ReglagesEdit.alphaGrille, 96);
-
+    EXPECT_EQ(Editeur(), "t10 g1 a96 z0");
     // With no fin the procedure runs on into the next one.
     ReglagesEdit = ReglagesEditeur{};
     ASSERT_EQ(ExecuteFichierScript("proc.spt", menu[1].texte.c_str()), 1);
-    EXPECT_EQ(ReglagesEdit.grille, 0);
-    EXPECT_EQ(ReglagesEdit.alphaGrille, 7);
-    EXPECT_EQ(ReglagesEdit.masqueZero, 1);
+    EXPECT_EQ(Editeur(), "t10 g0 a7 z1");
     EXPECT_TRUE(e.messages.empty());
 }
 
@@ -84,24 +71,19 @@ TEST_F(Evenements, CrochetOnquit) {
     ScriptDuProjet(
         "onstart:\neditor.timing = 3\nfin\nOnQuit:\neditor.grid = 1\nretour 0\neditor.alphagrid = 1\n");
     EXPECT_EQ(ExecuteEvenement("onquit"), 0);
-    EXPECT_EQ(ReglagesEdit.timing, 10);
-    EXPECT_EQ(ReglagesEdit.grille, 1);
-    EXPECT_EQ(ReglagesEdit.alphaGrille, 96);
-
+    EXPECT_EQ(Editeur(), "t10 g1 a96 z0");
     // A label that the file does not hold, or no file: 1, and nothing runs.
     EXPECT_EQ(ExecuteEvenement("onsave carte"), 1);
     EXPECT_EQ(ReglagesEdit.timing, 10);
-    CopieBornee(ScriptPrincipal, "absent.spt");
-    EXPECT_EQ(ExecuteEvenement("onquit"), 1);
-    CopieBornee(ScriptPrincipal, "");
-    EXPECT_EQ(ExecuteEvenement("onquit"), 1);
+    for (const char* script : {"absent.spt", ""}) {
+        CopieBornee(ScriptPrincipal, script);
+        EXPECT_EQ(ExecuteEvenement("onquit"), 1);
+    }
     EXPECT_TRUE(e.messages.empty());
 }
 
 TEST_F(Evenements, CrochetsOuvertureEtSauvegardeParNom) {
-    ScriptDuProjet("onopen niveau1:\nretour 0\n"
-                   "_OnSave Carte A:\neditor.grid = 1\nfin\n"
-                   "onstart:\nquitte\n");
+    ScriptDuProjet("onopen niveau1:\nretour 0\n_OnSave Carte A:\neditor.grid = 1\nfin\nonstart:\nquitte\n");
     EXPECT_EQ(EvenementOuverture("Niveau1"), 0);
     EXPECT_EQ(EvenementOuverture("Niveau2"), 1);
     EXPECT_EQ(EvenementSauvegarde("Carte A"), 1);

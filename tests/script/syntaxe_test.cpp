@@ -35,7 +35,7 @@ TEST(Syntaxe, LitNombreSelonLesPremiersCaracteres) {
         {"0x1f", 0x1f}, {"0xABcd", 0xabcd}, {"0x123456789", 0x23456789}, {"0xffffffff", -1}, {"0x", 0},
         {"0b1011", 11}, {"0b102", 2}, {"42", 42}, {"12abc", 12}, {"7 8", 7},
         {"true", 1}, {"t", 1}, {"vrai", 1}, {"false", 0}, {"faux", 0},
-        {"rgb(255,0,254)", 0xfe00ff}, {"rgb (1, 2, 3)", 0x030201}, {"rgb(1 2 3)", 0x030201},
+        {"rgb(255,0,254)", 0xfe00ff}, {"rgb (1, 2, 3)", 0x030201}, {"RGB(1 2 3)", 0x030201},
         {"rgb(0x10,0x20,0x30)", 0x300010}, // the second component is decimal only
         {"rgb(256,257,0b11)", 0x030100},   // each component modulo 256
         {"rgb(rgb(1,2,3),1,0)", 0x000101}, // an argument in brackets is one argument

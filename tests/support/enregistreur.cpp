@@ -20,9 +20,12 @@ int BoiteEnregistree(const char* texte, const char* titre, int style) {
     return boutons == BOITE_OUINON || boutons == BOITE_OUINONANNULER ? REPONSE_OUI : REPONSE_OK;
 }
 
-void AttenteEnregistree(int visible) { EnregistreurActif->attente = visible; }
+void AttenteEnregistree(int visible) {
+    EnregistreurActif->attente = visible;
+}
 
-int FichierEnregistre(int, char* sortie, size_t taille, const char*, const char* titre, const char* repertoire) {
+int FichierEnregistre(int, char* sortie, size_t taille, const char*, const char* titre,
+                      const char* repertoire) {
     EnregistreurMessages& e = *EnregistreurActif;
     e.dialogues.push_back(std::string(titre ? titre : "") + "|" + (repertoire ? repertoire : ""));
     if (e.fichiers.empty() || taille == 0) {
@@ -37,12 +40,8 @@ int FichierEnregistre(int, char* sortie, size_t taille, const char*, const char*
     return 1;
 }
 
-int CommandeEnregistree(const char*) { return 0; }
-
 ArbreMemoire::Noeud* NoeudVivant(NoeudArbre id) {
-    if (!ArbreActif || id == 0 || id > ArbreActif->noeuds.size()) return nullptr;
-    ArbreMemoire::Noeud& n = ArbreActif->noeuds[id - 1];
-    return n.id ? &n : nullptr;
+    return ArbreActif ? const_cast<ArbreMemoire::Noeud*>(ArbreActif->Trouve(id)) : nullptr;
 }
 
 std::vector<NoeudArbre>& Enfants(NoeudArbre parent) {
@@ -54,23 +53,18 @@ NoeudArbre Insere(NoeudArbre parent, NoeudArbre precedent, const char* texte) {
     if (parent && !NoeudVivant(parent)) return 0;
     NoeudArbre id = (NoeudArbre)ArbreActif->noeuds.size() + 1;
     ArbreActif->noeuds.push_back({id, parent, texte ? texte : "", {}});
+    // After the sibling given, first when there is none, last when it is not found.
     std::vector<NoeudArbre>& enfants = Enfants(parent);
-    auto it = precedent ? std::find(enfants.begin(), enfants.end(), precedent) : enfants.end();
-    if (precedent == 0)
-        enfants.insert(enfants.begin(), id);
-    else if (it == enfants.end())
-        enfants.push_back(id);
-    else
-        enfants.insert(it + 1, id);
+    auto it = std::find(enfants.begin(), enfants.end(), precedent);
+    enfants.insert(precedent == 0 ? enfants.begin() : it == enfants.end() ? it : it + 1, id);
     return id;
 }
 
 void Efface(NoeudArbre id) {
     ArbreMemoire::Noeud* n = NoeudVivant(id);
     if (!n) return;
-    std::vector<NoeudArbre> enfants = n->enfants;
-    for (NoeudArbre e : enfants) Efface(e);
-    n = NoeudVivant(id);
+    for (NoeudArbre e : std::vector<NoeudArbre>(n->enfants))
+        Efface(e);
     std::vector<NoeudArbre>& freres = Enfants(n->parent);
     freres.erase(std::remove(freres.begin(), freres.end(), id), freres.end());
     n->id = 0;
@@ -88,7 +82,9 @@ void Vide() {
     ArbreActif->selection = 0;
 }
 
-void Selectionne(NoeudArbre id) { ArbreActif->selection = id; }
+void Selectionne(NoeudArbre id) {
+    ArbreActif->selection = id;
+}
 void Redessine(int) {}
 
 const OperationsArbre OperationsMemoire = {Insere, Supprime, Vide, Selectionne, Redessine};
@@ -97,14 +93,16 @@ void DessineNoeud(const ArbreMemoire& a, NoeudArbre id, int niveau, std::string&
     const ArbreMemoire::Noeud* n = a.Trouve(id);
     if (!n) return;
     sortie += std::string(2 * niveau, ' ') + n->texte + "\n";
-    for (NoeudArbre e : n->enfants) DessineNoeud(a, e, niveau + 1, sortie);
+    for (NoeudArbre e : n->enfants)
+        DessineNoeud(a, e, niveau + 1, sortie);
 }
 
 } // namespace
 
 EnregistreurMessages::EnregistreurMessages() {
     EnregistreurActif = this;
-    PlateformeCourante = {BoiteEnregistree, AttenteEnregistree, FichierEnregistre, CommandeEnregistree};
+    PlateformeCourante = {BoiteEnregistree, AttenteEnregistree, FichierEnregistre,
+                          [](const char*) { return 0; }};
 }
 
 EnregistreurMessages::~EnregistreurMessages() {
@@ -123,22 +121,18 @@ ArbreMemoire::~ArbreMemoire() {
 }
 
 const ArbreMemoire::Noeud* ArbreMemoire::Trouve(NoeudArbre id) const {
-    if (id == 0 || id > noeuds.size()) return nullptr;
-    const Noeud& n = noeuds[id - 1];
-    return n.id ? &n : nullptr;
+    return id == 0 || id > noeuds.size() || !noeuds[id - 1].id ? nullptr : &noeuds[id - 1];
 }
 
 std::string ArbreMemoire::Dessin() const {
     std::string sortie;
-    for (NoeudArbre id : racine) DessineNoeud(*this, id, 0, sortie);
+    for (NoeudArbre id : racine)
+        DessineNoeud(*this, id, 0, sortie);
     return sortie;
 }
 
 int ArbreMemoire::Compte() const {
-    int n = 0;
-    for (const Noeud& x : noeuds)
-        if (x.id) ++n;
-    return n;
+    return (int)std::count_if(noeuds.begin(), noeuds.end(), [](const Noeud& x) { return x.id != 0; });
 }
 
 #include "core/crochets.h"
