@@ -71,21 +71,14 @@ void EcritOctets(FILE* fichier, uint32_t valeur, int n) {
 
 } // namespace
 
-void EcritVariable(FILE* fichier, const char* champ) {
-    enum { DECIMAL, HEXA, BINAIRE } forme = DECIMAL;
-    int octets = 0;
-    if (champ[0] == '$') {
-        forme = HEXA;
-        ++champ;
-    } else if (champ[0] == '#' && champ[1] >= '0' && champ[1] <= '9') {
-        forme = BINAIRE;
-        octets = champ[1] - '0';
-        champ += 2;
-    }
-    if (strncmp(champ, "user[", 5) == 0 && champ[5] >= '1' && champ[5] <= '8') {
-        fputs(TextesUser[champ[5] - '0'], fichier);
+void EcritVariable(FILE* fichier, const char* texte) {
+    const ChampVariable c = AnalyseChamp(texte);
+    if (c.user) {
+        fputs(TextesUser[c.user], fichier);
         return;
     }
+    const char* champ = c.nom;
+    const int octets = c.octets;
     for (const VariableGabarit& v : TableVariables) {
         if (strcmp(v.nom, champ) != 0) continue;
         if (v.genre == VARIABLE_TEXTE) {
@@ -94,9 +87,9 @@ void EcritVariable(FILE* fichier, const char* champ) {
             return;
         }
         int32_t valeur = v.genre == VARIABLE_POINTEUR ? (v.pointeur ? *v.pointeur : 0) : v.entier;
-        if (forme == DECIMAL)
+        if (c.forme == CHAMP_DECIMAL)
             fprintf(fichier, "%i", valeur);
-        else if (forme == HEXA)
+        else if (c.forme == CHAMP_HEXA)
             fprintf(fichier, "%x", (unsigned)valeur);
         else if (octets == 1 || octets == 2 || octets == 4)
             EcritOctets(fichier, (uint32_t)valeur, octets);

@@ -59,23 +59,16 @@ int ValeurHexa(char c) {
 
 } // namespace
 
-void LitVariable(const char* champ, const char* valeur, size_t longueur) {
+void LitVariable(const char* texte, const char* valeur, size_t longueur) {
     // A value is at most 999 characters; a longer one is cut.
     if (longueur > (size_t)LONGUEUR_CHAMP_MAX) longueur = LONGUEUR_CHAMP_MAX;
-    enum { DECIMAL, HEXA, BINAIRE } forme = DECIMAL;
-    int octets = 0;
-    if (champ[0] == '$') {
-        forme = HEXA;
-        ++champ;
-    } else if (champ[0] == '#' && champ[1] >= '0' && champ[1] <= '9') {
-        forme = BINAIRE;
-        octets = champ[1] - '0';
-        champ += 2;
-    }
-    if (strncmp(champ, "user[", 5) == 0 && champ[5] >= '1' && champ[5] <= '8') {
-        CopieBorneeN(TextesUser[champ[5] - '0'], TAILLE_TEXTE_USER, valeur, longueur);
+    const ChampVariable c = AnalyseChamp(texte);
+    if (c.user) {
+        CopieBorneeN(TextesUser[c.user], TAILLE_TEXTE_USER, valeur, longueur);
         return;
     }
+    const char* champ = c.nom;
+    const int octets = c.octets;
     for (VariableGabarit& v : TableVariables) {
         if (strcmp(v.nom, champ) != 0) continue;
         if (v.genre == VARIABLE_TEXTE) {
@@ -84,7 +77,7 @@ void LitVariable(const char* champ, const char* valeur, size_t longueur) {
             return;
         }
         int32_t nombre = 0;
-        if (forme == BINAIRE) {
+        if (c.forme == CHAMP_BINAIRE) {
             if (octets != 1 && octets != 2 && octets != 4) {
                 MessageDebug("Binary tiping error");
                 return;
@@ -94,7 +87,7 @@ void LitVariable(const char* champ, const char* valeur, size_t longueur) {
             nombre = LitOctets(octetsLus, octets);
         } else {
             std::string texte(valeur, longueur);
-            if (forme == DECIMAL) {
+            if (c.forme == CHAMP_DECIMAL) {
                 nombre = (int32_t)strtol(texte.c_str(), nullptr, 10);
             } else {
                 uint32_t h = 0;

@@ -74,3 +74,17 @@ int32_t ValeurVariable(const char* nom) {
     if (v->genre == VARIABLE_POINTEUR) return v->pointeur ? *v->pointeur : 0;
     return v->genre == VARIABLE_ENTIER ? v->entier : 0;
 }
+
+ChampVariable AnalyseChamp(const char* champ) {
+    ChampVariable c{CHAMP_DECIMAL, 0, 0, champ};
+    if (champ[0] == '$') {
+        c.forme = CHAMP_HEXA;
+        c.nom = champ + 1;
+    } else if (champ[0] == '#' && champ[1] >= '0' && champ[1] <= '9') {
+        c.forme = CHAMP_BINAIRE;
+        c.octets = champ[1] - '0';
+        c.nom = champ + 2;
+    }
+    if (strncmp(c.nom, "user[", 5) == 0 && c.nom[5] >= '1' && c.nom[5] <= '8') c.user = c.nom[5] - '0';
+    return c;
+}

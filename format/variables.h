@@ -43,3 +43,14 @@ void MetTamponVariable(const char* nom, char* tampon, size_t taille);
 void MetEntierVariable(const char* nom, int32_t valeur);
 // The integer value of a row (held or pointed to); 0 for a text row.
 int32_t ValeurVariable(const char* nom);
+
+// The prefix of a `%...%` field: "$" hexadecimal, "#" and a digit binary with
+// that many bytes, else decimal; and the user text it names, if any.
+enum FormeChamp { CHAMP_DECIMAL, CHAMP_HEXA, CHAMP_BINAIRE };
+struct ChampVariable {
+    FormeChamp forme;
+    int octets;      // binary form: the digit
+    int user;        // 1 to 8 for "user[n", else 0
+    const char* nom; // the field behind its prefix
+};
+ChampVariable AnalyseChamp(const char* champ);

@@ -5,6 +5,7 @@
 #include "script/interpreteur.h"
 
 #include "core/chaines.h"
+#include "core/projet.h"
 #include "platform/fichiers.h"
 #include "platform/plateforme.h"
 #include "platform/texte.h"
@@ -47,19 +48,9 @@ char* SauteBlancs(char* p) {
     return p;
 }
 
-// Reads a line of at most 999 characters without its line end ("\n" or
-// "\r\n"); a longer line goes on as the next one. Gives 0 at the end.
-bool LitLigneScript(FILE* f, char* ligne) {
-    if (!fgets(ligne, LONGUEUR_LIGNE_SCRIPT + 1, f)) return false;
-    size_t n = strlen(ligne);
-    if (n > 0 && ligne[n - 1] == '\n') ligne[--n] = 0;
-    else if (n > 0 && ligne[n - 1] == '\r') {
-        int c = fgetc(f);
-        if (c != '\n' && c != EOF) ungetc(c, f);
-    }
-    if (n > 0 && ligne[n - 1] == '\r') ligne[--n] = 0;
-    return true;
-}
+// A line of at most 999 characters without its line end ("\n" or "\r\n");
+// a longer line goes on as the next one.
+bool LitLigneScript(FILE* f, char* ligne) { return LitLigneTexte(f, ligne, LONGUEUR_LIGNE_SCRIPT + 1) != 0; }
 
 // Outside strings: A to Z folded, '#' or ';' ends the line with the blanks
 // before it. Strings open with ", ' or * and close at the same character
