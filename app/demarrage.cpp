@@ -3,6 +3,7 @@
 #include "app/demarrage.h"
 
 #include "convert/conv.h"
+#include "convert/couleurs.h"
 #include "core/elements.h"
 #include "core/modeles.h"
 #include "core/projet.h"
@@ -71,6 +72,7 @@ void InstalleCrochets() {
     InstalleInterpreteur();
     InstalleFormats();
     CrochetsScript.conv = ConvDepuisScript;
+    CrochetsScript.reconstruitTablesCouleur = ConstruitTablesCouleur;
 }
 
 } // namespace
@@ -89,6 +91,7 @@ int Demarre(const char* ligne, const char* argv0) {
     // Defaults of every setting, default folders and the main script's names.
     ReinitialiseReglages();
     InitialiseModeles();
+    ConstruitTablesCouleur(); // from the defaults, before the project is read
     messages = 0; // until the first script has ended
 
     char projet[TAILLE_CHEMIN_PROJET];
