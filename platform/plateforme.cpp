@@ -42,22 +42,25 @@ int BoiteMessage(const char* texte, const char* titre, int style) {
 
 void MessageDebug(const char* texte) { BoiteMessage(texte, "Debuging", BOITE_OK); }
 
+int BoiteMessageV(const char* titre, int style, const char* format, va_list args) {
+    char texte[2048];
+    vsnprintf(texte, sizeof texte, format, args);
+    return BoiteMessage(texte, titre, style);
+}
+
 void MessageDebugF(const char* format, ...) {
-    char texte[1024];
     va_list args;
     va_start(args, format);
-    vsnprintf(texte, sizeof texte, format, args);
+    BoiteMessageV("Debuging", BOITE_OK, format, args);
     va_end(args);
-    MessageDebug(texte);
 }
 
 int BoiteMessageF(const char* titre, int style, const char* format, ...) {
-    char texte[1024];
     va_list args;
     va_start(args, format);
-    vsnprintf(texte, sizeof texte, format, args);
+    int reponse = BoiteMessageV(titre, style, format, args);
     va_end(args);
-    return BoiteMessage(texte, titre, style);
+    return reponse;
 }
 
 bool Verifie(bool valeur, const char* condition) {

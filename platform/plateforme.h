@@ -4,6 +4,7 @@
 // tests install a recording version (tests/support). Callers never test which
 // one is in place.
 #pragma once
+#include <cstdarg>
 #include <cstddef>
 
 // Buttons of a message box. A headless run answers with the first button.
@@ -53,6 +54,9 @@ void MessageDebug(const char* texte);
 void MessageDebugF(const char* format, ...) __attribute__((format(printf, 1, 2)));
 // A formatted box with a title of its own.
 int BoiteMessageF(const char* titre, int style, const char* format, ...) __attribute__((format(printf, 3, 4)));
+
+// The same with a va_list, for callers that take their own arguments.
+int BoiteMessageV(const char* titre, int style, const char* format, va_list args);
 
 // Internal check: shows "An error has happened because the following condition
 // is false: <condition>" titled "Internal error" and gives the condition's value.

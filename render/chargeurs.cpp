@@ -45,6 +45,30 @@ int32_t AvantValeur(int32_t pos, const TamponLecture& t, const SectionFormat& s,
     return pos;
 }
 
+// The texts that a map or a list file names, read into buffers of the loader.
+struct TextesElement {
+    char nom[TAILLE_CHEMIN_PROJET] = "";
+    char lien[TAILLE_CHEMIN_PROJET] = "";
+    char type[TAILLE_CHEMIN_PROJET] = "";
+    TextesElement() {
+        MetTamponVariable("name", nom, sizeof nom);
+        MetTamponVariable("link", lien, sizeof lien);
+        MetTamponVariable("type", type, sizeof type);
+    }
+};
+
+void EffaceApercu();
+
+// The first steps of a map or a list: the path remembered for the editor, the
+// file read, the surface cleared.
+bool OuvreCarteOuListe(int element, TamponLecture& t) {
+    const char* chemin = Elements[element].fichier;
+    CopieBornee(CheminCarteChargee, chemin);
+    if (!Ouvre(chemin, t, "The specified map file doesn't exist")) return false;
+    EffaceApercu();
+    return true;
+}
+
 void EffaceApercu() {
     if (SurfaceApercu.pixels) memset(SurfaceApercu.pixels, 0, (size_t)SurfaceApercu.pas * SurfaceApercu.hauteur);
 }
@@ -252,15 +276,11 @@ int ChargeMosaique(uint8_t* palette, uint32_t** tuiles, const char* chemin, bool
 
 int ChargeCarte(uint8_t* palette, uint32_t** tuiles, uint32_t** cellules, int element) {
     if (element < 0 || element >= NbElements || !tuiles || !cellules) return 0;
-    const char* chemin = Elements[element].fichier;
-    CopieBornee(CheminCarteChargee, chemin);
     TamponLecture t;
-    if (!Ouvre(chemin, t, "The specified map file doesn't exist")) return 0;
-    EffaceApercu();
-    char nom[TAILLE_CHEMIN_PROJET] = "", lien[TAILLE_CHEMIN_PROJET] = "", type[TAILLE_CHEMIN_PROJET] = "";
-    MetTamponVariable("name", nom, sizeof nom);
-    MetTamponVariable("link", lien, sizeof lien);
-    MetTamponVariable("type", type, sizeof type);
+    if (!OuvreCarteOuListe(element, t)) return 0;
+    TextesElement textesLus;
+    const char* lien = textesLus.lien;
+    const char* type = textesLus.type;
     gfxmask = -1;
     // The tileset's load may choose another format: keep the map's section.
     const SectionFormat s = FormatCourant.sections[SECTION_MAP];
@@ -362,17 +382,13 @@ bool LitObjets(const TamponLecture& t, int32_t pos, const SectionFormat& s, cons
 int ChargeListe(uint8_t* palette, uint32_t** tuiles, int element, ListeObjets& liste) {
     if (element < 0 || element >= NbElements || !tuiles) return 0;
     const char* chemin = Elements[element].fichier;
-    CopieBornee(CheminCarteChargee, chemin);
     TamponLecture t;
-    if (!Ouvre(chemin, t, "The specified map file doesn't exist")) return 0;
-    EffaceApercu();
-    char nom[TAILLE_CHEMIN_PROJET] = "", lien[TAILLE_CHEMIN_PROJET] = "", type[TAILLE_CHEMIN_PROJET] = "";
+    if (!OuvreCarteOuListe(element, t)) return 0;
+    TextesElement textesLus;
+    const char* lien = textesLus.lien;
     char modeleNom[TAILLE_NOM_MODELE];
     int choisi = ModeleSelectionne >= 0 && ModeleSelectionne < NB_MODELES_MAX ? ModeleSelectionne : 0;
     CopieBornee(modeleNom, TableModeles[choisi].nom);
-    MetTamponVariable("name", nom, sizeof nom);
-    MetTamponVariable("link", lien, sizeof lien);
-    MetTamponVariable("type", type, sizeof type);
     MetTamponVariable("model", modeleNom, sizeof modeleNom);
     const SectionFormat s = FormatCourant.sections[SECTION_LIST];
     const int32_t debut = LitGabarit(0, t, s.declaration);

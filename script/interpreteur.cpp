@@ -27,12 +27,10 @@ bool SelectionArbreActive = true;
 char EtiquetteCherchee[TAILLE_ETIQUETTE];
 
 void ErreurScript(const char* format, ...) {
-    char texte[2048];
     va_list args;
     va_start(args, format);
-    vsnprintf(texte, sizeof texte, format, args);
+    BoiteMessageV("Macro execution error", BOITE_OK | ICONE_ARRET, format, args);
     va_end(args);
-    BoiteMessage(texte, "Macro execution error", BOITE_OK | ICONE_ARRET);
 }
 
 // ---- Reading and cleaning a line -------------------------------------------

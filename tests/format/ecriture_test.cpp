@@ -15,15 +15,7 @@
 
 namespace {
 
-struct Ecriture : testing::Test {
-    DossierTemporaire dossier;
-    EnregistreurMessages journal;
-    void SetUp() override {
-        InitialiseFormats();
-        RestaureVariables();
-        ChargeTextesUser();
-    }
-};
+struct Ecriture : TestFormat {};
 
 std::string Gabarit(const char* gabarit) {
     return Ecrit([&](FILE* f) { EcritGabarit(gabarit, f); });

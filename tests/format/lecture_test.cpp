@@ -19,17 +19,7 @@
 
 namespace {
 
-struct Lecture : testing::Test {
-    DossierTemporaire dossier;
-    EnregistreurMessages journal;
-    void SetUp() override {
-        InitialiseFormats();
-        RestaureVariables();
-        ChargeTextesUser();
-        SilenceLecture = false;
-    }
-    void TearDown() override { SilenceLecture = false; }
-};
+struct Lecture : TestFormat {};
 
 // ---- Round trip through the writer -------------------------------------------
 

@@ -18,10 +18,7 @@
 
 namespace {
 
-struct Liste : testing::Test {
-    DossierTemporaire dossier;
-    EnregistreurMessages journal;
-    void SetUp() override { InitialiseFormats(); }
+struct Liste : TestFormat {
     ModeleParametres& Modele() { return TableModeles[ModeleSelectionne]; }
 };
 

@@ -1,8 +1,11 @@
 // Test support for the format layer: files written and read back.
 #pragma once
+#include "format/formats.h"
 #include "format/lecture.h"
 #include "format/variables.h"
 #include "tests/support/enregistreur.h"
+
+#include <gtest/gtest.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -10,6 +13,20 @@
 #include <functional>
 #include <random>
 #include <string>
+
+// A test of the format layer: a fresh folder, recorded messages, "Standard"
+// chosen, the variables and user texts as a file's read or write starts.
+struct TestFormat : testing::Test {
+    DossierTemporaire dossier;
+    EnregistreurMessages journal;
+    void SetUp() override {
+        InitialiseFormats();
+        RestaureVariables();
+        ChargeTextesUser();
+        SilenceLecture = false;
+    }
+    void TearDown() override { SilenceLecture = false; }
+};
 
 // A read buffer of exactly the data and its terminator, so that a read past
 // the end is caught by the address sanitizer.
