@@ -33,7 +33,7 @@ int CommandeSansFenetre(const char*) { return 0; }
 } // namespace
 
 const Plateforme PlateformeSansFenetre = {BoiteSansFenetre, AttenteSansFenetre, FichierSansFenetre,
-                                          CommandeSansFenetre};
+                                          CommandeSansFenetre, AttenteSansFenetre};
 Plateforme PlateformeCourante = PlateformeSansFenetre;
 
 int BoiteMessage(const char* texte, const char* titre, int style) {

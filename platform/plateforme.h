@@ -39,6 +39,9 @@ struct Plateforme {
                           const char* repertoireInitial);
     // Starts a command line with the system and does not wait for it. Gives 1 when started.
     int (*lanceCommande)(const char* ligne);
+    // Shows "Please wait..." on the main window's strip during a long
+    // operation (1), or puts its title back (0).
+    void (*titreAttente)(int visible);
 };
 
 // The seam in force. Starts with the headless defaults.

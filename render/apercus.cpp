@@ -7,6 +7,7 @@
 #include "core/elements.h"
 #include "core/reglages.h"
 #include "platform/fichiers.h"
+#include "platform/imagefichier.h"
 #include "render/blitters.h"
 #include "render/chargeurs.h"
 #include "render/surfaces.h"
@@ -210,42 +211,4 @@ void ApercuElement(int element) {
 
 // ---- Writing the preview as BMP ------------------------------------------------------------
 
-namespace {
-
-void Mot16(uint8_t* p, uint32_t v) {
-    p[0] = (uint8_t)v;
-    p[1] = (uint8_t)(v >> 8);
-}
-void Mot32(uint8_t* p, uint32_t v) {
-    for (int i = 0; i < 4; ++i) p[i] = (uint8_t)(v >> (8 * i));
-}
-
-} // namespace
-
-int EcritApercuBmp(const char* chemin) {
-    const Image& s = SurfaceApercu;
-    const int l = LargeurApercu < s.largeur ? LargeurApercu : s.largeur;
-    const int h = HauteurApercu < s.hauteur ? HauteurApercu : s.hauteur;
-    if (!s.pixels || l <= 0 || h <= 0) return 0;
-    FILE* f = OuvreFichier(chemin, "wb");
-    if (!f) return 0;
-    const uint32_t pas = ((uint32_t)l * 3 + 3) / 4 * 4;
-    uint8_t entete[54] = {'B', 'M'};
-    Mot32(entete + 2, 54 + pas * (uint32_t)h);
-    Mot32(entete + 10, 54);
-    Mot32(entete + 14, 40);
-    Mot32(entete + 18, (uint32_t)l);
-    Mot32(entete + 22, (uint32_t)h);
-    Mot16(entete + 26, 1);
-    Mot16(entete + 28, 24);
-    Mot32(entete + 34, pas * (uint32_t)h);
-    bool bon = fwrite(entete, 1, sizeof entete, f) == sizeof entete;
-    // Both keep their rows bottom-up: the surface's lowest rows come first.
-    uint8_t zeros[3] = {};
-    for (int r = h - 1; r >= 0 && bon; --r) {
-        const uint8_t* ligne = s.pixels + (size_t)(s.hauteur - 1 - r) * s.pas;
-        bon = fwrite(ligne, 1, (size_t)l * 3, f) == (size_t)l * 3 && fwrite(zeros, 1, pas - (uint32_t)l * 3, f) == pas - (uint32_t)l * 3;
-    }
-    if (fclose(f) != 0) bon = false;
-    return bon ? 1 : 0;
-}
+int EcritApercuBmp(const char* chemin) { return EcritBmp(chemin, SurfaceApercu, LargeurApercu, HauteurApercu); }
