@@ -4,6 +4,7 @@
 
 #include "convert/conv.h"
 #include "convert/couleurs.h"
+#include "convert/images.h"
 #include "core/elements.h"
 #include "core/modeles.h"
 #include "core/projet.h"
@@ -87,6 +88,7 @@ int Demarre(const char* ligne, const char* argv0) {
     CheminExecutable(argv0, programme, sizeof programme);
     CopieBornee(RepertoireProgramme, programme);
     if (char* sep = (char*)DernierSeparateur(RepertoireProgramme)) *sep = 0;
+    InitialiseImages(); // are the image libraries at hand?
 
     // Defaults of every setting, default folders and the main script's names.
     ReinitialiseReglages();

@@ -190,7 +190,7 @@ void Mode(char* a) {
             return;
         }
     }
-    MessageDebugF("The following color quantization method was not found: %s", a);
+    ErreurScript("The following color quantization method was not found: %s", a);
 }
 
 // One number of a lighting value: "50%" means 127.5.

@@ -206,7 +206,7 @@ TEST_F(Dictionnaire, ModeParChiffreOuParMot) {
         EXPECT_EQ(ReglagesConv.mode, 2) << inconnu;
         EXPECT_EQ(e.messages,
                   std::vector<std::string>{
-                      "[Debuging] The following color quantization method was not found: " + inconnu});
+                      "[Macro execution error] The following color quantization method was not found: " + inconnu});
     }
 }
 

@@ -101,8 +101,10 @@ void DessineNoeud(const ArbreMemoire& a, NoeudArbre id, int niveau, std::string&
 
 EnregistreurMessages::EnregistreurMessages() {
     EnregistreurActif = this;
-    PlateformeCourante = {BoiteEnregistree, AttenteEnregistree, FichierEnregistre,
-                          [](const char*) { return 0; }};
+    PlateformeCourante = {BoiteEnregistree, AttenteEnregistree, FichierEnregistre, [](const char*) { return 0; },
+                          [](int visible) {
+                              if (EnregistreurActif) EnregistreurActif->titreAttente = visible;
+                          }};
 }
 
 EnregistreurMessages::~EnregistreurMessages() {

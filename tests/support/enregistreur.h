@@ -29,6 +29,7 @@ struct EnregistreurMessages {
     std::deque<std::string> fichiers;   // paths the file dialogs give, in order
     std::vector<std::string> dialogues; // "title|initial folder" of each file dialog
     int attente = 0;                    // last state of the busy dialog
+    int titreAttente = 0;               // last state of "Please wait..." on the strip
 };
 
 // An in-memory tree behind ArbreProjet while it lives.

@@ -1,0 +1,529 @@
+#include "convert/quantification.h"
+
+#include "convert/couleurs.h"
+#include "convert/images.h"
+#include "core/reglages.h"
+#include "platform/plateforme.h"
+#include "render/surfaces.h"
+#include "script/interpreteur.h"
+
+#include <cstring>
+#include <vector>
+
+namespace {
+
+// A 15-bit colour code: red in bits 0-4, green 5-9, blue 10-14. Bit 15 marks a
+// transparent pixel (mask colour or padding).
+constexpr uint16_t TRANSPARENT = 0x8000;
+constexpr int CODES = 32768;
+// No two 5-bit colours are further apart than this (3 x 31 squared): every
+// threshold from here up matches the same triples.
+constexpr int DISTANCE_MAX = 3 * 31 * 31;
+
+inline int Rouge(uint16_t c) { return c & 31; }
+inline int Vert(uint16_t c) { return c >> 5 & 31; }
+inline int Bleu(uint16_t c) { return c >> 10 & 31; }
+
+bool EstMasque(uint8_t r, uint8_t g, uint8_t b) {
+    const uint8_t* m = ReglagesConv.masque;
+    return r == m[0] && g == m[1] && b == m[2];
+}
+
+// The area's pixels through the colour tables, row by row from the top, and
+// the distinct colours in the order they are first met. A pass of the normal
+// method adds a triple only for a colour it meets for the first time (a
+// colour met again is within the threshold of the triple that took it then),
+// so its count depends on this list alone.
+struct Source {
+    int largeur = 0;
+    int hauteur = 0;
+    std::vector<uint16_t> codes;
+    std::vector<uint16_t> distinctes;
+};
+
+void PrepareSource(Source& s, int largeur, int hauteur) {
+    s.largeur = largeur > 0 ? largeur : 0;
+    s.hauteur = hauteur > 0 ? hauteur : 0;
+    s.codes.assign((size_t)s.largeur * s.hauteur, TRANSPARENT);
+    s.distinctes.clear();
+    const Image& image = SurfaceApercu;
+    if (!image.pixels) return;
+    const Cadre& c = CadreDessin;
+    const int xFin = c.xLimite < image.largeur ? c.xLimite : image.largeur;
+    const int yFin = c.yLimite < image.hauteur ? c.yLimite : image.hauteur;
+    std::vector<uint8_t> vu(CODES, 0);
+    for (int y = 0; y < s.hauteur; ++y) {
+        const int Y = c.yOrigine + y;
+        if (Y < 0) continue;
+        if (Y >= yFin) break;
+        const uint8_t* ligne = image.pixels + (size_t)(image.hauteur - 1 - Y) * image.pas;
+        uint16_t* sortie = s.codes.data() + (size_t)y * s.largeur;
+        for (int x = 0; x < s.largeur; ++x) {
+            const int X = c.xOrigine + x;
+            if (X < 0) continue;
+            if (X >= xFin) break;
+            const uint8_t* p = ligne + 3 * X;
+            if (EstMasque(p[2], p[1], p[0])) continue;
+            const uint16_t code = (uint16_t)(TableRouge[p[2]] | TableVerte[p[1]] << 5 | TableBleue[p[0]] << 10);
+            sortie[x] = code;
+            if (!vu[code]) {
+                vu[code] = 1;
+                s.distinctes.push_back(code);
+            }
+        }
+    }
+}
+
+int Borne(int v, int bas, int haut) { return v < bas ? bas : v > haut ? haut : v; }
+
+// Working memory of the passes, made once for a search.
+struct Espace {
+    std::vector<uint8_t> couvert = std::vector<uint8_t>(CODES);
+    std::vector<int16_t> meilleur = std::vector<int16_t>(CODES);
+    std::vector<int32_t> distance = std::vector<int32_t>(CODES);
+    std::vector<int16_t> vus = std::vector<int16_t>(CODES);
+    uint8_t racine[DISTANCE_MAX + 1];
+
+    Espace() {
+        for (int i = 0, r = 0; i <= DISTANCE_MAX; ++i) {
+            while ((r + 1) * (r + 1) <= i) ++r;
+            racine[i] = (uint8_t)r;
+        }
+    }
+
+    // Marks every colour within the threshold of (r, g, b); runs go along red,
+    // the lowest bits of a code.
+    void Marque(int r, int g, int b, int seuil) {
+        const int s = seuil < DISTANCE_MAX ? seuil : DISTANCE_MAX;
+        const int rb = racine[s];
+        for (int bb = Borne(b - rb, 0, 31); bb <= Borne(b + rb, 0, 31); ++bb) {
+            const int reste = s - (bb - b) * (bb - b);
+            const int rg = racine[reste];
+            for (int gg = Borne(g - rg, 0, 31); gg <= Borne(g + rg, 0, 31); ++gg) {
+                const int rr = racine[reste - (gg - g) * (gg - g)];
+                const int debut = Borne(r - rr, 0, 31), fin = Borne(r + rr, 0, 31);
+                memset(couvert.data() + (bb << 10 | gg << 5) + debut, 1, (size_t)(fin - debut + 1));
+            }
+        }
+    }
+};
+
+// One full pass, as the method describes it, with indices. A colour keeps the
+// best triple found so far and the palette size it had seen, so meeting it
+// again only looks at the triples added since; the later of two triples at
+// the same distance still wins.
+int Passe(Espace& e, const Source& s, uint32_t* indices, uint8_t* palette, int seuil, int fixes, int debut, int maxi,
+          uint32_t transparent) {
+    fixes = Borne(fixes, 0, TRIPLES_REDUCTION);
+    debut = Borne(debut, 0, fixes);
+    // The palette block holds 257 triples, whatever limit was asked.
+    const int limite = maxi < TRIPLES_REDUCTION ? maxi : TRIPLES_REDUCTION;
+    memset(palette + 3 * fixes, 0, (size_t)3 * (TRIPLES_REDUCTION - fixes));
+    int pr[TRIPLES_REDUCTION], pg[TRIPLES_REDUCTION], pb[TRIPLES_REDUCTION];
+    for (int t = 0; t < fixes; ++t) {
+        pb[t] = palette[3 * t];
+        pg[t] = palette[3 * t + 1];
+        pr[t] = palette[3 * t + 2];
+    }
+    int n = fixes;
+    std::fill(e.vus.begin(), e.vus.end(), (int16_t)-1);
+    const size_t total = s.codes.size();
+    for (size_t i = 0; i < total; ++i) {
+        const uint16_t c = s.codes[i];
+        if (c & TRANSPARENT) {
+            if (indices) indices[i] = transparent;
+            continue;
+        }
+        const int r = Rouge(c), g = Vert(c), b = Bleu(c);
+        int meilleur = -1, proche = seuil, t = debut;
+        if (e.vus[c] >= 0) {
+            meilleur = e.meilleur[c];
+            proche = e.distance[c];
+            t = e.vus[c];
+        }
+        for (; t < n; ++t) {
+            const int d = (pr[t] - r) * (pr[t] - r) + (pg[t] - g) * (pg[t] - g) + (pb[t] - b) * (pb[t] - b);
+            if (d <= proche) {
+                proche = d;
+                meilleur = t;
+            }
+        }
+        if (meilleur < 0) {
+            if (n >= limite) return -1;
+            pr[n] = r;
+            pg[n] = g;
+            pb[n] = b;
+            meilleur = n++;
+            proche = 0;
+        }
+        // A negative threshold matches nothing, not even the same colour: no
+        // colour may then be remembered.
+        if (seuil >= 0) {
+            e.meilleur[c] = (int16_t)meilleur;
+            e.distance[c] = proche;
+            e.vus[c] = (int16_t)n;
+        }
+        if (indices) indices[i] = (uint32_t)meilleur + 1;
+    }
+    for (int t = fixes; t < n; ++t) {
+        palette[3 * t] = (uint8_t)pb[t];
+        palette[3 * t + 1] = (uint8_t)pg[t];
+        palette[3 * t + 2] = (uint8_t)pr[t];
+    }
+    return ReglagesConv.utilMaxCoul ? limite : n;
+}
+
+// The count of a pass without its indices: a colour needs a triple of its
+// own exactly when no matchable triple lies within the threshold, so the
+// pass keeps the set of covered colours and walks the distinct colours once.
+int Compte(Espace& e, const Source& s, const uint8_t* palette, int seuil, int fixes, int debut, int maxi) {
+    bool horsGamme = false; // a triple beyond 5 bits has no place in the covered set
+    for (int t = Borne(debut, 0, TRIPLES_REDUCTION); t < Borne(fixes, 0, TRIPLES_REDUCTION); ++t)
+        horsGamme = horsGamme || palette[3 * t] > 31 || palette[3 * t + 1] > 31 || palette[3 * t + 2] > 31;
+    if (seuil < 0 || horsGamme) {
+        uint8_t copie[TAILLE_PALETTE_REDUCTION];
+        memcpy(copie, palette, sizeof copie);
+        return Passe(e, s, nullptr, copie, seuil, fixes, debut, maxi, 0);
+    }
+    fixes = Borne(fixes, 0, TRIPLES_REDUCTION);
+    debut = Borne(debut, 0, fixes);
+    const int limite = maxi < TRIPLES_REDUCTION ? maxi : TRIPLES_REDUCTION;
+    std::fill(e.couvert.begin(), e.couvert.end(), (uint8_t)0);
+    for (int t = debut; t < fixes; ++t) e.Marque(palette[3 * t + 2], palette[3 * t + 1], palette[3 * t], seuil);
+    int n = fixes;
+    for (const uint16_t c : s.distinctes) {
+        if (e.couvert[c]) continue;
+        if (n >= limite) return -1;
+        ++n;
+        e.Marque(Rouge(c), Vert(c), Bleu(c), seuil);
+    }
+    return ReglagesConv.utilMaxCoul ? limite : n;
+}
+
+void MessageCouleursInatteignables() {
+    BoiteMessage("Unable to convert the bitmap because the required colors count cannot be reached.", "Oops...",
+                 BOITE_OK | ICONE_ARRET);
+}
+
+} // namespace
+
+int ReductionNormale(uint32_t* indices, uint8_t* palette, int hauteur, int largeur, int seuil, int fixes, int debut,
+                     int maxi, uint32_t transparent) {
+    Source s;
+    PrepareSource(s, largeur, hauteur);
+    Espace e;
+    return Passe(e, s, indices, palette, seuil, fixes, debut, maxi, transparent);
+}
+
+int ReductionNormaleCherchee(uint32_t* indices, uint8_t* palette, int hauteur, int largeur, int fixes, int debut,
+                             int maxi, bool tuiles, uint32_t transparent) {
+    Source s;
+    PrepareSource(s, largeur, hauteur);
+    Espace e;
+    if (Compte(e, s, palette, 0, fixes, debut, maxi) != -1)
+        return Passe(e, s, indices, palette, 0, fixes, debut, maxi, transparent);
+
+    if (messages) {
+        const int reponse = BoiteMessage(
+            "The source bitmap contains more colors than wanted.\n"
+            "A filter will be applied (don't worry, it will be much better than with paint ;)\n"
+            "However, this can be very long!\nIt is still recommended to continue.",
+            "Oops...", BOITE_OKANNULER | ICONE_QUESTION);
+        if (reponse == REPONSE_ANNULER) return -1;
+        PlateformeCourante.titreAttente(1);
+    }
+    const int precision = ReglagesConv.precisionMax;
+    int seuil;
+    if (!tuiles) {
+        // Downward: the threshold of the most colours ever seen, the first
+        // (highest) one among equals.
+        int plus = -1;
+        seuil = 0;
+        int t = precision;
+        if (t > DISTANCE_MAX) {
+            // Every threshold from DISTANCE_MAX up gives the same pass.
+            const int r = Compte(e, s, palette, DISTANCE_MAX, fixes, debut, maxi);
+            if (r == -1) t = -1; // stops at once, as the first trial would
+            else {
+                plus = r;
+                seuil = precision;
+                t = DISTANCE_MAX - 1;
+            }
+        }
+        for (; t >= 0; --t) {
+            const int r = Compte(e, s, palette, t, fixes, debut, maxi);
+            if (r == -1) break;
+            if (r > plus) {
+                plus = r;
+                seuil = t;
+            }
+        }
+    } else {
+        // Bisection: the smallest threshold that fits.
+        int64_t bas = -1, haut = precision, essai = haut;
+        for (;;) {
+            const int r = Compte(e, s, palette, (int)essai, fixes, debut, maxi);
+            if (r == -1) bas = essai;
+            else haut = essai;
+            if (bas + 1 >= haut) break;
+            essai = (bas + haut) / 2;
+        }
+        seuil = (int)haut;
+    }
+    const int resultat = Passe(e, s, indices, palette, seuil, fixes, debut, maxi, transparent);
+    if (messages) PlateformeCourante.titreAttente(0);
+    if (resultat < 1) {
+        MessageCouleursInatteignables();
+        return -1;
+    }
+    return resultat;
+}
+
+// ---- Halftone ------------------------------------------------------------------------
+
+void PaletteTramee(uint8_t sortie[256][3]) {
+    // A 6 x 6 x 6 cube, then 40 greys; two entries replaced as the method wants.
+    for (int i = 0; i < 216; ++i) {
+        sortie[i][0] = (uint8_t)(i / 36 * 51);
+        sortie[i][1] = (uint8_t)(i / 6 % 6 * 51);
+        sortie[i][2] = (uint8_t)(i % 6 * 51);
+    }
+    for (int i = 216; i < 256; ++i) sortie[i][0] = sortie[i][1] = sortie[i][2] = (uint8_t)((i - 216) * 255 / 39);
+    sortie[245][0] = sortie[245][1] = sortie[245][2] = 255;
+    sortie[255][0] = 0;
+    sortie[255][1] = 0;
+    sortie[255][2] = 1;
+}
+
+namespace {
+
+// The picture kept aside: pixel (x, y from the top).
+uint8_t* PixelGarde(int x, int y) {
+    return ImageGardee.pixels + (size_t)(ImageGardee.hauteur - 1 - y) * ImageGardee.pas + (size_t)x * 3;
+}
+
+void LimitesGardees(int hauteur, int largeur, int& h, int& l) {
+    h = ImageGardee.pixels ? (ImageGardee.hauteur < hauteur ? ImageGardee.hauteur : hauteur) : 0;
+    l = ImageGardee.pixels ? (ImageGardee.largeur < largeur ? ImageGardee.largeur : largeur) : 0;
+}
+
+} // namespace
+
+int ReductionTramee(uint32_t* indices, uint8_t* palette, int hauteur, int largeur) {
+    // Ordered 8 x 8 dithering onto the cube: each component of 0..255 falls
+    // between two of the six levels, and the pattern's threshold chooses.
+    static const uint8_t bayer[8][8] = {
+        {0, 32, 8, 40, 2, 34, 10, 42},  {48, 16, 56, 24, 50, 18, 58, 26}, {12, 44, 4, 36, 14, 46, 6, 38},
+        {60, 28, 52, 20, 62, 30, 54, 22}, {3, 35, 11, 43, 1, 33, 9, 41},  {51, 19, 59, 27, 49, 17, 57, 25},
+        {15, 47, 7, 39, 13, 45, 5, 37},  {63, 31, 55, 23, 61, 29, 53, 21}};
+    auto niveau = [](int v, int seuil) {
+        const int n = (v * 128 + (2 * seuil + 1) * 51) / (51 * 128);
+        return n > 5 ? 5 : n;
+    };
+    if (hauteur > 0 && largeur > 0) memset(indices, 0, sizeof(uint32_t) * (size_t)hauteur * largeur);
+    int h, l;
+    LimitesGardees(hauteur, largeur, h, l);
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < l; ++x) {
+            const uint8_t* p = PixelGarde(x, y);
+            if (EstMasque(p[2], p[1], p[0])) continue;
+            const int s = bayer[y & 7][x & 7];
+            indices[(size_t)y * largeur + x] = (uint32_t)(niveau(p[2], s) * 36 + niveau(p[1], s) * 6 + niveau(p[0], s) + 1);
+        }
+    uint8_t table[256][3];
+    PaletteTramee(table);
+    for (int i = 0; i < 256; ++i) {
+        palette[3 * i] = TableBleue[table[i][2]];
+        palette[3 * i + 1] = TableVerte[table[i][1]];
+        palette[3 * i + 2] = TableRouge[table[i][0]];
+    }
+    LibereImageGardee();
+    return 255;
+}
+
+// ---- Octree ------------------------------------------------------------------------
+
+namespace {
+
+struct NoeudOctal {
+    bool feuille = false;
+    uint32_t nbPixels = 0;
+    uint64_t sommeRouge = 0;
+    uint64_t sommeVert = 0;
+    uint64_t sommeBleu = 0;
+    int32_t fils[8] = {-1, -1, -1, -1, -1, -1, -1, -1};
+    int32_t suivant = -1; // the list of reducible nodes of its level
+};
+
+// Nodes live in a pool, addressed by number; freed nodes are used again.
+struct Octree {
+    std::vector<NoeudOctal> noeuds;
+    std::vector<int32_t> libres;
+    int32_t reductibles[8] = {-1, -1, -1, -1, -1, -1, -1, -1};
+    int feuilles = 0;
+
+    int32_t Nouveau(int niveau) {
+        int32_t n;
+        if (!libres.empty()) {
+            n = libres.back();
+            libres.pop_back();
+            noeuds[(size_t)n] = NoeudOctal{};
+        } else {
+            n = (int32_t)noeuds.size();
+            noeuds.emplace_back();
+        }
+        if (niveau == 8) {
+            noeuds[(size_t)n].feuille = true;
+            ++feuilles;
+        } else {
+            noeuds[(size_t)n].suivant = reductibles[niveau];
+            reductibles[niveau] = n;
+        }
+        return n;
+    }
+
+    void Insere(int r, int g, int b) {
+        int32_t n = 0; // the root
+        for (int k = 0; k < 8 && !noeuds[(size_t)n].feuille; ++k) {
+            const int bit = 7 - k;
+            const int f = 4 * (r >> bit & 1) + 2 * (g >> bit & 1) + (b >> bit & 1);
+            if (noeuds[(size_t)n].fils[f] < 0) {
+                const int32_t nouveau = Nouveau(k + 1);
+                noeuds[(size_t)n].fils[f] = nouveau;
+            }
+            n = noeuds[(size_t)n].fils[f];
+        }
+        NoeudOctal& feuille = noeuds[(size_t)n];
+        ++feuille.nbPixels;
+        feuille.sommeRouge += (uint64_t)r;
+        feuille.sommeVert += (uint64_t)g;
+        feuille.sommeBleu += (uint64_t)b;
+    }
+
+    // Folds the first node of the deepest level with a reducible node into a
+    // leaf. Gives false when nothing is left to fold.
+    bool Reduit() {
+        int niveau = 7;
+        while (niveau > 0 && reductibles[niveau] < 0) --niveau;
+        const int32_t n = reductibles[niveau];
+        if (n < 0) return false;
+        reductibles[niveau] = noeuds[(size_t)n].suivant;
+        int enfants = 0;
+        for (int f = 0; f < 8; ++f) {
+            const int32_t e = noeuds[(size_t)n].fils[f];
+            if (e < 0) continue;
+            NoeudOctal& noeud = noeuds[(size_t)n];
+            const NoeudOctal& enfant = noeuds[(size_t)e];
+            noeud.nbPixels += enfant.nbPixels;
+            noeud.sommeRouge += enfant.sommeRouge;
+            noeud.sommeVert += enfant.sommeVert;
+            noeud.sommeBleu += enfant.sommeBleu;
+            noeud.fils[f] = -1;
+            libres.push_back(e);
+            ++enfants;
+        }
+        noeuds[(size_t)n].feuille = true;
+        feuilles += 1 - enfants;
+        return true;
+    }
+
+    // Leaves depth first, children 0 to 7: one colour each.
+    void Couleurs(int32_t n, std::vector<int>& sortie) const {
+        const NoeudOctal& noeud = noeuds[(size_t)n];
+        if (noeud.feuille) {
+            if (!noeud.nbPixels) return;
+            sortie.push_back((int)(noeud.sommeRouge / noeud.nbPixels));
+            sortie.push_back((int)(noeud.sommeVert / noeud.nbPixels));
+            sortie.push_back((int)(noeud.sommeBleu / noeud.nbPixels));
+            return;
+        }
+        for (int f = 0; f < 8; ++f)
+            if (noeud.fils[f] >= 0) Couleurs(noeud.fils[f], sortie);
+    }
+};
+
+} // namespace
+
+int ReductionOptimale(uint32_t* indices, uint8_t* palette, int hauteur, int largeur, int fixes, int limite) {
+    if (limite > TRIPLES_REDUCTION) limite = TRIPLES_REDUCTION; // the palette block's size
+    fixes = Borne(fixes, 0, TRIPLES_REDUCTION);
+    const int place = limite - fixes;
+    if (place < 2) {
+        BoiteMessage("The available color number is too low for this conversion.", "Fatal error",
+                     BOITE_OK | ICONE_ARRET);
+        LibereImageGardee();
+        return 0;
+    }
+    // Only a picture of 24 bits gives colours.
+    const bool utilisable = ImageGardee.pixels && BitsImageGardee == 24;
+    const int hg = utilisable ? ImageGardee.hauteur : 0, lg = utilisable ? ImageGardee.largeur : 0;
+    std::vector<uint8_t> masques((size_t)hg * lg, 0);
+    Octree arbre;
+    arbre.Nouveau(0);
+    bool rempli = true;
+    // From the bottom row upward, as the picture lies in memory.
+    for (int rangee = 0; rangee < hg && rempli; ++rangee) {
+        const int y = hg - 1 - rangee;
+        for (int x = 0; x < lg; ++x) {
+            uint8_t* p = PixelGarde(x, y);
+            if (EstMasque(p[2], p[1], p[0])) {
+                masques[(size_t)y * lg + x] = 1;
+                continue;
+            }
+            // The effects go into the picture itself, so the mapping sees them.
+            p[2] = (uint8_t)(TableRouge[p[2]] * 8);
+            p[1] = (uint8_t)(TableVerte[p[1]] * 8);
+            p[0] = (uint8_t)(TableBleue[p[0]] * 8);
+            arbre.Insere(p[2], p[1], p[0]);
+            while (arbre.feuilles > place)
+                if (!arbre.Reduit()) {
+                    rempli = false;
+                    break;
+                }
+        }
+    }
+    std::vector<int> couleurs;
+    if (rempli) arbre.Couleurs(0, couleurs);
+    const int nombre = (int)couleurs.size() / 3;
+    if (!rempli) {
+        LibereImageGardee();
+        return 0;
+    }
+    if (nombre < 2) {
+        MessageCouleursInatteignables();
+        LibereImageGardee();
+        return 0;
+    }
+
+    // Nearest colour, Euclidean; among equals the first. Pixels hold table
+    // values times 8, so a 15-bit code names each one.
+    std::vector<int16_t> proche(CODES, -1);
+    if (hauteur > 0 && largeur > 0) memset(indices, 0, sizeof(uint32_t) * (size_t)hauteur * largeur);
+    const int h = hg < hauteur ? hg : hauteur, l = lg < largeur ? lg : largeur;
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < l; ++x) {
+            if (masques[(size_t)y * lg + x]) continue;
+            const uint8_t* p = PixelGarde(x, y);
+            const int code = p[2] >> 3 | (p[1] >> 3) << 5 | (p[0] >> 3) << 10;
+            if (proche[code] < 0) {
+                int meilleur = 0, plusProche = -1;
+                for (int k = 0; k < nombre; ++k) {
+                    const int dr = couleurs[3 * k] - p[2], dg = couleurs[3 * k + 1] - p[1], db = couleurs[3 * k + 2] - p[0];
+                    const int d = dr * dr + dg * dg + db * db;
+                    if (plusProche < 0 || d < plusProche) {
+                        plusProche = d;
+                        meilleur = k;
+                    }
+                }
+                proche[code] = (int16_t)meilleur;
+            }
+            indices[(size_t)y * largeur + x] = (uint32_t)(proche[code] + fixes + 1);
+        }
+    for (int k = 0; k < nombre; ++k) {
+        palette[3 * (fixes + k)] = (uint8_t)(couleurs[3 * k + 2] >> 3);
+        palette[3 * (fixes + k) + 1] = (uint8_t)(couleurs[3 * k + 1] >> 3);
+        palette[3 * (fixes + k) + 2] = (uint8_t)(couleurs[3 * k] >> 3);
+    }
+    LibereImageGardee();
+    return fixes + nombre;
+}
