@@ -63,7 +63,7 @@ TEST(ChaineLot, LiensCoupesAuxDeuxPointsHorsGuillemets) {
     EXPECT_EQ(Liens("-a:b c:-d"), (Noms{"a", "b", "c", "d"}));
     // A quoted colon stays in its link, quotes and all.
     EXPECT_EQ(Liens("-\"x:y\":z"), (Noms{"\"x:y\"", "z"}));
-    EXPECT_EQ(Liens("-src=\"c:/img.bmp\" +q:r"), (Noms{"src", "q", "r"}));
+    EXPECT_EQ(Liens("-src=\"c:/img.bmp\" +q:r"), (Noms{"q", "r"})); // src is known
     // An unclosed quote runs to the end.
     EXPECT_EQ(Liens("-a:\"b:c"), (Noms{"a", "\"b:c"}));
     // An empty link in the middle does not stop the chain; a trailing ':' adds nothing.

@@ -20,8 +20,9 @@ if(NOT code STREQUAL "0")
   message(FATAL_ERROR "batch run: exit code '${code}', expected 0\n${erreurs}")
 endif()
 
+# src and opt are known; with no target kind the first link does nothing.
 set(attendu "")
-foreach(nom src opt qui fin)
+foreach(nom qui fin)
   string(APPEND attendu "[Debuging] Unrecognized convertion identifier: ${nom}\n")
 endforeach()
 if(NOT erreurs STREQUAL attendu)
