@@ -42,9 +42,20 @@ inline uint32_t Couleur15(const uint8_t* bgr) {
     return (uint32_t)TableBleue[bgr[0]] * 1024 + (uint32_t)TableVerte[bgr[1]] * 32 + TableRouge[bgr[2]];
 }
 
+// One output file, written whole or not at all: a file that cannot be
+// opened, or cannot be written to the end (a full disk), gets the message of
+// its kind and leaves the old file as it was.
+struct Sortie {
+    EcritureSure ecriture;
+    const char* chemin;
+    const char* message;
+};
+
 // Opens one output and puts the template variables in their start state.
-FILE* OuvreSortie(const char* chemin, const char* message) {
-    FILE* f = OuvreFichier(chemin, "wb");
+FILE* OuvreSortie(Sortie& sortie, const char* chemin, const char* message) {
+    sortie.chemin = chemin;
+    sortie.message = message;
+    FILE* f = CommenceEcritureSure(sortie.ecriture, chemin);
     if (!f) {
         BoiteMessage(message, chemin, BOITE_OK | ICONE_ARRET);
         return nullptr;
@@ -54,9 +65,11 @@ FILE* OuvreSortie(const char* chemin, const char* message) {
     return f;
 }
 
-void FermeSortie(FILE* f) {
-    fclose(f);
+bool FermeSortie(Sortie& sortie) {
     RestaureVariables(); // the rows point into the caller's element rows
+    if (TermineEcritureSure(sortie.ecriture)) return true;
+    BoiteMessage(sortie.message, sortie.chemin, BOITE_OK | ICONE_ARRET);
+    return false;
 }
 
 // The name of an output: the one given to the conversion, else the row's.
@@ -74,7 +87,8 @@ void MetVariables(const ElementProjet& ligne, const char* nom, const char* lien,
 }
 
 bool EcritPalette(const ElementProjet& ligne, const uint8_t* palette, int nombre) {
-    FILE* f = OuvreSortie(ligne.fichier, MESSAGE_OUVERTURE_DONNEES);
+    Sortie sortie;
+    FILE* f = OuvreSortie(sortie, ligne.fichier, MESSAGE_OUVERTURE_DONNEES);
     if (!f) return false;
     MetVariables(ligne, NomSortie(ReglagesConv.nomPalette, ligne), nullptr, nombre, (int64_t)nombre * 2, 0, nullptr);
     const SectionFormat& s = FormatCourant.sections[SECTION_PALETTE];
@@ -84,8 +98,7 @@ bool EcritPalette(const ElementProjet& ligne, const uint8_t* palette, int nombre
     EcritGabarit(s.declaration, f);
     EcritValeursPalette(f, s, couleurs.data(), nombre);
     EcritGabarit(s.end, f);
-    FermeSortie(f);
-    return true;
+    return FermeSortie(sortie);
 }
 
 // An existing palette as the first triples: its entry 0 is dropped. Gives
@@ -138,7 +151,8 @@ uint64_t Empreinte(const uint32_t* mots, int nombre) {
 
 int ConvertitBitmap16(ElementProjet* lignes) {
     const ElementProjet& b = lignes[0];
-    FILE* f = OuvreSortie(b.fichier, MESSAGE_OUVERTURE_IMAGE);
+    Sortie sortie;
+    FILE* f = OuvreSortie(sortie, b.fichier, MESSAGE_OUVERTURE_IMAGE);
     if (!f) return 0;
     const int l = sizex > 0 ? sizex : 0, h = sizey > 0 ? sizey : 0;
     std::vector<uint32_t> valeurs((size_t)l * h, 0);
@@ -151,8 +165,7 @@ int ConvertitBitmap16(ElementProjet* lignes) {
     EcritGabarit(s.declaration, f);
     EcritValeursLignes(f, s, s.element, valeurs.data(), l, h);
     EcritGabarit(s.end, f);
-    FermeSortie(f);
-    return 1;
+    return FermeSortie(sortie) ? 1 : 0;
 }
 
 int ConvertitBitmap8(ElementProjet* lignes, int maxi) {
@@ -168,14 +181,15 @@ int ConvertitBitmap8(ElementProjet* lignes, int maxi) {
     n = InsereCouleurZero(palette, n);
 
     const ElementProjet& b = lignes[0];
-    FILE* f = OuvreSortie(b.fichier, MESSAGE_OUVERTURE_IMAGE);
+    Sortie sortie;
+    FILE* f = OuvreSortie(sortie, b.fichier, MESSAGE_OUVERTURE_IMAGE);
     if (!f) return 0;
     MetVariables(b, NomSortie(c.nomBitmap8, b), lignes[1].fichier, 0, (int64_t)l * h, 0, nullptr);
     const SectionFormat& s = FormatCourant.sections[SECTION_BITMAP8];
     EcritGabarit(s.declaration, f);
     EcritValeursLignes(f, s, s.element, indices.data(), l, h);
     EcritGabarit(s.end, f);
-    FermeSortie(f);
+    if (!FermeSortie(sortie)) return 0;
     return EcritPalette(lignes[1], palette, n) ? 1 : 0;
 }
 
@@ -308,7 +322,8 @@ int ConvertitMosaique(ElementProjet* lignes, int maxi) {
     // earlier ones on disk.
     if (c.genereCarte) {
         const ElementProjet& carte = lignes[2];
-        FILE* f = OuvreSortie(carte.fichier, MESSAGE_OUVERTURE_DONNEES);
+        Sortie sortie;
+        FILE* f = OuvreSortie(sortie, carte.fichier, MESSAGE_OUVERTURE_DONNEES);
         if (!f) return fin(0);
         sizex = colonnes;
         sizey = rangees;
@@ -321,11 +336,12 @@ int ConvertitMosaique(ElementProjet* lignes, int maxi) {
         EcritGabarit(s.declaration, f);
         EcritValeursLignes(f, s, element, cellules.data(), colonnes, rangees);
         EcritGabarit(s.end, f);
-        FermeSortie(f);
+        if (!FermeSortie(sortie)) return fin(0);
     }
 
     const ElementProjet& mosaique = lignes[0];
-    FILE* f = OuvreSortie(mosaique.fichier, MESSAGE_OUVERTURE_IMAGE);
+    Sortie sortie;
+    FILE* f = OuvreSortie(sortie, mosaique.fichier, MESSAGE_OUVERTURE_IMAGE);
     if (!f) return fin(0);
     const int profondeur = c.quinzeBits ? 15 : c.quatreBits ? 4 : 8;
     int64_t memoire = (int64_t)tx * ty * nbTuiles;
@@ -339,7 +355,7 @@ int ConvertitMosaique(ElementProjet* lignes, int maxi) {
     tilex = tiley = 8;
     EcritValeursMosaique(f, s, magasin.data(), nbTuiles * unitesTuile, 64, profondeur);
     EcritGabarit(s.end, f);
-    FermeSortie(f);
+    if (!FermeSortie(sortie)) return fin(0);
 
     if (!c.quinzeBits && !EcritPalette(lignes[1], palette, nombre)) return fin(0);
     return fin(1);

@@ -275,7 +275,9 @@ void SauveProjet(const char* chemin) {
         if (!choisi[0]) return;
         chemin = choisi;
     }
-    FILE* f = OuvreFichier(chemin, "wb");
+    // Written whole or not at all: a failed save leaves the old project.
+    EcritureSure ecriture;
+    FILE* f = CommenceEcritureSure(ecriture, chemin);
     if (!f) return;
     fputs(ENTETE_PROJET, f);
     EcritInfos(f);
@@ -287,7 +289,7 @@ void SauveProjet(const char* chemin) {
         fwrite(DonneesProjet, 1, TailleDonneesProjet, f);
     else
         fputs("  End\n\n\n\n", f);
-    fclose(f);
+    TermineEcritureSure(ecriture);
 }
 
 // ---- The older binary form ---------------------------------------------------

@@ -3,8 +3,10 @@
 #include "platform/texte.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -152,4 +154,96 @@ void CheminExecutable(const char* argv0, char* sortie, size_t taille) {
     }
 #endif
     if (argv0) CheminComplet(argv0, sortie, taille);
+}
+
+// ---- Writing whole or not at all ---------------------------------------------------------
+
+long long OctetsAvantEchecEcriture = -1;
+
+namespace {
+
+// A stream that takes a given number of bytes, then fails as a full disk does.
+struct DisqueLimite {
+    int descripteur;
+    long long reste;
+};
+
+ssize_t EcritLimite(void* cookie, const char* octets, size_t taille) {
+    auto* d = (DisqueLimite*)cookie;
+    if (d->reste <= 0) {
+        errno = ENOSPC;
+        return -1;
+    }
+    const size_t n = (long long)taille < d->reste ? taille : (size_t)d->reste;
+    const ssize_t ecrits = write(d->descripteur, octets, n);
+    if (ecrits > 0) d->reste -= ecrits;
+    return ecrits;
+}
+
+int ChercheLimite(void* cookie, off64_t* position, int depuis) {
+    const off_t r = lseek(((DisqueLimite*)cookie)->descripteur, *position, depuis);
+    if (r < 0) return -1;
+    *position = r;
+    return 0;
+}
+
+int FermeLimite(void* cookie) {
+    auto* d = (DisqueLimite*)cookie;
+    const int r = close(d->descripteur);
+    delete d;
+    return r;
+}
+
+} // namespace
+
+FILE* CommenceEcritureSure(EcritureSure& e, const char* chemin) {
+    e = EcritureSure{};
+    if (!chemin || !*chemin) return nullptr;
+    const std::string cible = CheminSysteme(chemin);
+    if (cible.size() + 8 >= sizeof e.temporaire) return nullptr;
+    CopieBornee(e.cible, cible.c_str());
+    CopieBornee(e.temporaire, (cible + ".XXXXXX").c_str());
+    const int fd = mkstemp(e.temporaire);
+    if (fd < 0) return nullptr;
+    // The new file gets the target's permissions, or the usual ones for a
+    // new file (mkstemp makes it private).
+    struct stat etat;
+    mode_t mode;
+    if (stat(e.cible, &etat) == 0) {
+        mode = etat.st_mode & 07777;
+    } else {
+        const mode_t masque = umask(0);
+        umask(masque);
+        mode = 0666 & ~masque;
+    }
+    fchmod(fd, mode);
+    if (OctetsAvantEchecEcriture >= 0) {
+        cookie_io_functions_t fonctions = {nullptr, EcritLimite, ChercheLimite, FermeLimite};
+        e.fichier = fopencookie(new DisqueLimite{fd, OctetsAvantEchecEcriture}, "wb", fonctions);
+    } else {
+        e.fichier = fdopen(fd, "wb");
+    }
+    if (!e.fichier) {
+        close(fd);
+        unlink(e.temporaire);
+        return nullptr;
+    }
+    return e.fichier;
+}
+
+int TermineEcritureSure(EcritureSure& e) {
+    if (!e.fichier) return 0;
+    bool bon = fflush(e.fichier) == 0 && !ferror(e.fichier);
+    if (fclose(e.fichier) != 0) bon = false;
+    e.fichier = nullptr;
+    if (bon && rename(e.temporaire, e.cible) == 0) return 1;
+    unlink(e.temporaire);
+    return 0;
+}
+
+void AbandonneEcritureSure(EcritureSure& e) {
+    if (!e.fichier) return;
+    fclose(e.fichier);
+    e.fichier = nullptr;
+    unlink(e.temporaire);
 }

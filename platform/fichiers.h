@@ -34,3 +34,25 @@ int CheminComplet(const char* chemin, char* sortie, size_t taille);
 
 // Full path of the program's own file, or empty.
 void CheminExecutable(const char* argv0, char* sortie, size_t taille);
+
+// ---- Writing whole or not at all ---------------------------------------------------------
+
+// A file written through a temporary file in the same folder, which replaces
+// the target only once every byte has been written: a full disk, a crash or a
+// kill during the writing leaves the old file whole.
+struct EcritureSure {
+    FILE* fichier = nullptr;
+    char temporaire[4096] = "";
+    char cible[4096] = "";
+};
+// Gives the stream to write to, or null when the folder cannot take the file.
+FILE* CommenceEcritureSure(EcritureSure& ecriture, const char* chemin);
+// Closes the stream and puts the new file in place. Gives 1 on success; on
+// failure the temporary file is removed and the target is as it was.
+int TermineEcritureSure(EcritureSure& ecriture);
+// Drops what was written; the target is as it was.
+void AbandonneEcritureSure(EcritureSure& ecriture);
+
+// For tests: streams of CommenceEcritureSure refuse every byte past this
+// many (a full disk); below 0, never.
+extern long long OctetsAvantEchecEcriture;

@@ -3,11 +3,14 @@
 #include "core/elements.h"
 #include "core/projet.h"
 #include "core/reglages.h"
+#include "platform/fichiers.h"
+#include "platform/imagefichier.h"
 #include "tests/support/enregistreur.h"
 #include "tests/support/projets.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -131,4 +134,34 @@ TEST(Demarrage, CheminAvecOuSansGuillemetsMemeProjet) {
     // Starting towards the window writes nothing.
     EXPECT_EQ(LitFichier(sousDossier + "/p 1.tsl"), projet);
     EXPECT_TRUE(enregistreur.messages.empty());
+}
+
+// A disk that fills up during a batch run: the conversion stops with the
+// message of the file it could not write, adds nothing, and every file that
+// was there before, the project included, stays as it was.
+TEST(Demarrage, DisquePleinRienNEstPerdu) {
+    DossierTemporaire dossier;
+    EnregistreurMessages enregistreur;
+    const std::string projet = ProjetUneCarte("mer", "  End\n");
+    EcritFichier("projet.tsl", projet);
+    EcritFichier("a.map.c", "ancienne carte");
+    Image image;
+    ASSERT_EQ(CreeImage(image, 16, 8, 24), 1);
+    image.pixels[0] = 200;
+    ASSERT_EQ(EcritBmp("a.bmp", image, 16, 8), 1);
+    LibereImage(image);
+
+    OctetsAvantEchecEcriture = 40;
+    EXPECT_EQ(Demarre("-tset src=a.bmp", nullptr), 0);
+    OctetsAvantEchecEcriture = -1;
+    EXPECT_EQ(enregistreur.messages,
+              Noms{"[a.map.c] Unable to open the file for writing.\nThe file name is probably erroneous."});
+    EXPECT_EQ(NbElements, 1);
+    EXPECT_EQ(LitFichier("a.map.c"), "ancienne carte");
+    EXPECT_EQ(LitFichier("projet.tsl"), projet);
+    std::vector<std::string> noms;
+    for (const auto& e : std::filesystem::directory_iterator("."))
+        noms.push_back(e.path().filename().string());
+    std::sort(noms.begin(), noms.end());
+    EXPECT_EQ(noms, (Noms{"a.bmp", "a.map.c", "projet.tsl"}));
 }

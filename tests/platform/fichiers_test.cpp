@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <sys/stat.h>
+#include <vector>
 #include <filesystem>
 
 TEST(Fichiers, CheminCompletResoutPointsEtRelatifs) {
@@ -58,4 +61,53 @@ TEST(Fichiers, RepertoireCourantSansSeparateurFinal) {
     const char* chemin = "a\\b/c\\d";
     EXPECT_EQ(DernierSeparateur(chemin), chemin + 5);
     EXPECT_EQ(DernierSeparateur("abc"), nullptr);
+}
+
+// A file written whole or not at all: the old one stays when the writing
+// fails, and nothing is left behind but the target.
+TEST(Fichiers, EcritureSureRemplaceOuLaisseLAncien) {
+    DossierTemporaire dossier;
+    EcritFichier(dossier.Dans("cible.txt"), "ancien contenu");
+    chmod("cible.txt", 0640);
+    auto ecrit = [](const char* chemin, const std::string& texte) {
+        EcritureSure e;
+        FILE* f = CommenceEcritureSure(e, chemin);
+        if (!f) return -1;
+        fwrite(texte.data(), 1, texte.size(), f);
+        fseek(f, -1, SEEK_CUR); // templates take back their last byte
+        fputc('!', f);
+        return TermineEcritureSure(e);
+    };
+    auto fichiers = [] {
+        std::vector<std::string> noms;
+        for (const auto& e : std::filesystem::directory_iterator("."))
+            noms.push_back(e.path().filename().string());
+        std::sort(noms.begin(), noms.end());
+        return noms;
+    };
+
+    OctetsAvantEchecEcriture = 5; // a full disk after 5 bytes
+    EXPECT_EQ(ecrit("cible.txt", "nouveau contenu plus long"), 0);
+    EXPECT_EQ(LitFichier(dossier.Dans("cible.txt")), "ancien contenu");
+    EXPECT_EQ(fichiers(), std::vector<std::string>{"cible.txt"});
+
+    OctetsAvantEchecEcriture = 100; // room enough, through the same stream
+    EXPECT_EQ(ecrit("cible.txt", "nouveau."), 1);
+    OctetsAvantEchecEcriture = -1;
+    EXPECT_EQ(LitFichier(dossier.Dans("cible.txt")), "nouveau!");
+    struct stat etat;
+    ASSERT_EQ(stat("cible.txt", &etat), 0);
+    EXPECT_EQ(etat.st_mode & 0777, 0640u); // the target keeps its permissions
+
+    EXPECT_EQ(ecrit("sous\\neuf.txt", "x"), -1); // no such folder
+    EXPECT_EQ(ecrit("neuf.txt", "abc"), 1);
+    EXPECT_EQ(LitFichier(dossier.Dans("neuf.txt")), "ab!");
+    EXPECT_EQ(fichiers(), (std::vector<std::string>{"cible.txt", "neuf.txt"}));
+
+    EcritureSure e;
+    ASSERT_NE(CommenceEcritureSure(e, "cible.txt"), nullptr);
+    fputs("perdu", e.fichier);
+    AbandonneEcritureSure(e);
+    EXPECT_EQ(LitFichier(dossier.Dans("cible.txt")), "nouveau!");
+    EXPECT_EQ(fichiers(), (std::vector<std::string>{"cible.txt", "neuf.txt"}));
 }
