@@ -20,10 +20,9 @@ int32_t TailleModele(const ModeleParametres& modele) {
     int32_t taille = TAILLE_OBJET_BASE;
     int n = modele.nbParametres < 0 ? 0 : modele.nbParametres > NB_PARAMETRES_MAX ? NB_PARAMETRES_MAX
                                                                                    : modele.nbParametres;
-    // Sizes come from scripts unchecked: the sum wraps at 32 bits, as script numbers do.
-    uint32_t somme = (uint32_t)taille;
-    for (int i = 0; i < n; ++i) somme += (uint32_t)modele.tailles[i];
-    return (int32_t)somme;
+    int64_t somme = taille;
+    for (int i = 0; i < n; ++i) somme += TailleParametreBornee(modele.tailles[i]);
+    return (int32_t)somme; // at most 12 + 100 x 65536
 }
 
 #include "platform/plateforme.h"
@@ -62,7 +61,7 @@ void AjouteParametre(ModeleParametres& modele, const char* nom, int genre, int t
     CopieBornee(modele.noms[i], coupe);
     CopieBornee(modele.defauts[i], defaut ? defaut : "");
     modele.genres[i] = genre;
-    modele.tailles[i] = taille;
+    modele.tailles[i] = TailleParametreBornee(taille);
     if (i == n) modele.nbParametres = n + 1;
     modele.taille = TailleModele(modele);
 }

@@ -9,6 +9,13 @@ constexpr int TAILLE_NOM_MODELE = 512;
 constexpr int TAILLE_NOM_PARAMETRE = 32;
 constexpr int TAILLE_DEFAUT_PARAMETRE = 16;
 constexpr int TAILLE_OBJET_BASE = 12; // x, y and type of every object
+// A parameter takes at most this many bytes of an object; scripts give sizes
+// unchecked, so a size is brought within 0 and this when it is stored, and a
+// model's object size can never wrap.
+constexpr int TAILLE_PARAMETRE_MAX = 65536;
+inline int32_t TailleParametreBornee(int32_t taille) {
+    return taille < 0 ? 0 : taille > TAILLE_PARAMETRE_MAX ? TAILLE_PARAMETRE_MAX : taille;
+}
 
 enum GenreParametre { PARAMETRE_ENTIER = 1, PARAMETRE_BRUT = 2 };
 

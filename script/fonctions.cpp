@@ -361,7 +361,7 @@ void DefinitModele(FILE* fichier, const char* nom) {
         int i = modele->nbParametres;
         if (i >= NB_PARAMETRES_MAX) continue;
         modele->genres[i] = genre;
-        modele->tailles[i] = taille;
+        modele->tailles[i] = TailleParametreBornee(taille);
         CopieBornee(modele->noms[i], nomParametre);
         CopieBornee(modele->defauts[i], defaut);
         modele->nbParametres = i + 1;

@@ -65,12 +65,15 @@ void Ecrit(const char* chemin, const Entete& e, const Valeurs& v) {
         EcritValeursPalette(f, s, v.data(), (int)v.size());
     else if (mosaique)
         EcritValeursMosaique(f, s, v.data(), (int)v.size() / 64, 64, e.prof);
-    else
+    else {
+        // A declaration larger than the values given writes just those.
+        const bool complet = (int64_t)e.l * e.h <= (int64_t)v.size();
         EcritValeursLignes(f, s,
                            carte && e.prof == 8    ? s.element2
                            : carte && e.prof == 32 ? s.element3
                                                    : s.element,
-                           v.data(), e.l, e.h);
+                           v.data(), complet ? e.l : (int)v.size(), complet ? e.h : 1);
+    }
     EcritGabarit(s.end, f);
     fclose(f);
     tilex = tiley = 8, sizex = sizey = tilebase = 0, gfxmask = -1;
@@ -676,4 +679,32 @@ TEST_F(Liste, ModeleInconnuEtTropDObjets) {
     EXPECT_EQ(journal.messages,
               Textes{"[l.lst.c] Unable to load this list because it contains more elements than the maximum "
                      "allowed. Modify the maximum number of elements per list in the options."});
+}
+
+// Every size a file or a script declares, at its largest, is refused or
+// bounded before anything is allocated for it.
+TEST_F(Liste, TaillesDeclareesAuPlusGrand) {
+    // Tiles: the store holds 8,192 units whatever the declaration says.
+    Ecrit("g.til.c", {SECTION_TILESET, 8, 0, 0, 8, 8, INT32_MAX}, Unites(8, 100));
+    uint32_t* lues = nullptr;
+    EXPECT_EQ(ChargeMosaique(nullptr, &lues, "g.til.c", false), 100);
+    free(lues);
+    // Maps and bitmaps: 2^31 - 1 cells a side.
+    EcritCarte("m.map.c", "t.til.c", 16, 8, INT32_MAX, INT32_MAX, {1, 2});
+    uint32_t* cellules = nullptr;
+    EXPECT_EQ(ChargeCarte(palette, &tuiles, &cellules, Ligne(TYPE_CARTE, "m.map.c")), 0);
+    EXPECT_EQ(cellules, nullptr);
+    EcritBitmap("b.b16.c", nullptr, INT32_MAX, INT32_MAX, {1, 2});
+    ChargeBitmap16(Ligne(TYPE_BITMAP16, "b.b16.c"));
+    EXPECT_NE(LargeurApercu, INT32_MAX); // the preview was not sized for it
+
+    // A parameter of any size takes at most 64 KiB of an object, so a model's
+    // size never wraps; the objects' room stays within 64 MiB.
+    AjouteParametre(TableModeles[1], "enorme", PARAMETRE_BRUT, INT32_MAX, "");
+    AjouteParametre(TableModeles[1], "negatif", PARAMETRE_BRUT, INT32_MIN, "");
+    EXPECT_EQ(TableModeles[1].taille, TAILLE_OBJET_BASE + 4 + 8 + TAILLE_PARAMETRE_MAX);
+    ReglagesSys.objetsMax = INT32_MAX;
+    journal.messages.clear();
+    EXPECT_EQ(Relit(), 0);
+    EXPECT_EQ(liste.objets, nullptr);
 }
