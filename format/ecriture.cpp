@@ -8,6 +8,7 @@
 #include "platform/texte.h"
 
 #include <cstring>
+#include <vector>
 
 // ---- Templates -------------------------------------------------------------------
 
@@ -101,92 +102,277 @@ void EcritVariable(FILE* fichier, const char* texte) {
 
 // ---- Element formats -----------------------------------------------------------------
 
-void EcritValeur(FILE* fichier, const char* format, uint32_t valeur) {
-    int largeur = 0; // stays for the following conversions of this format
-    for (const char* p = format; p && *p; ++p) {
-        if (*p != '%') {
-            fputc(*p, fichier);
-            continue;
+namespace {
+
+// An element format read once: literal runs and conversions, so that a loop
+// of a million values formats them without parsing the format or calling
+// printf each time. The reading follows the writer's rules to the letter.
+struct Segment {
+    enum Genre { TEXTE, DECIMAL, HEXA, HEXA_MAJ, BINAIRE, ERREUR_BINAIRE } genre;
+    size_t debut, longueur; // TEXTE: the run in the format
+    int largeur;            // the printf width of this conversion, or 0
+    bool zeros;             // padded with zeros rather than blanks
+    int octets;             // BINAIRE: the width in force
+};
+
+struct FormatValeur {
+    const char* format = nullptr;
+    std::vector<Segment> segments;
+
+    void Compile(const char* f) {
+        format = f;
+        segments.clear();
+        int largeur = 0; // stays for the following conversions of this format
+        const char* texte = f;
+        auto ferme = [&](const char* fin) {
+            if (fin > texte) segments.push_back({Segment::TEXTE, (size_t)(texte - f), (size_t)(fin - texte), 0, false, 0});
+        };
+        for (const char* p = f; p && *p; ++p) {
+            if (*p != '%') continue;
+            ferme(p);
+            const char* q = p + 1;
+            int propre = 0;
+            bool zeros = false;
+            if (q[0] == '0' && q[1] >= '0' && q[1] <= '9') {
+                largeur = propre = q[1] - '0';
+                zeros = true;
+                q += 2;
+            } else if (q[0] >= '1' && q[0] <= '9') {
+                largeur = propre = q[0] - '0';
+                q += 1;
+            }
+            const char lettre = *q;
+            if (!lettre) {
+                texte = q; // the rest of the format is dropped
+                return;
+            }
+            if (lettre == 'i') segments.push_back({Segment::DECIMAL, 0, 0, propre, zeros, 0});
+            else if (lettre == 'x') segments.push_back({Segment::HEXA, 0, 0, propre, zeros, 0});
+            else if (lettre == 'X') segments.push_back({Segment::HEXA_MAJ, 0, 0, propre, zeros, 0});
+            else if (lettre == 'b')
+                segments.push_back({largeur == 1 || largeur == 2 || largeur == 4 ? Segment::BINAIRE : Segment::ERREUR_BINAIRE,
+                                    0, 0, 0, false, largeur});
+            // any other letter: both characters are dropped
+            p = q;
+            texte = q + 1;
         }
-        const char* q = p + 1;
-        char conversion[8] = "%";
-        size_t n = 1;
-        if (q[0] == '0' && q[1] >= '0' && q[1] <= '9') {
-            largeur = q[1] - '0';
-            conversion[n++] = '0';
-            conversion[n++] = q[1];
-            q += 2;
-        } else if (q[0] >= '1' && q[0] <= '9') {
-            largeur = q[0] - '0';
-            conversion[n++] = q[0];
-            q += 1;
-        }
-        char lettre = *q;
-        if (!lettre) break;
-        if (lettre == 'i' || lettre == 'x' || lettre == 'X') {
-            conversion[n++] = lettre;
-            conversion[n] = 0;
-            char texte[32];
-            // conversion is only "%", an optional width and the letter.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
-            int l = lettre == 'i' ? snprintf(texte, sizeof texte, conversion, (int)(int32_t)valeur)
-                                  : snprintf(texte, sizeof texte, conversion, (unsigned)valeur);
-#pragma GCC diagnostic pop
-            if (l > 0) fwrite(texte, 1, (size_t)l < sizeof texte ? (size_t)l : sizeof texte - 1, fichier);
-        } else if (lettre == 'b') {
-            if (largeur == 1 || largeur == 2 || largeur == 4)
-                EcritOctets(fichier, valeur, largeur);
-            else
-                MessageDebug("Binary type error (please use %1b, %2b, %4b only)");
-        }
-        p = q; // any other letter: both characters are dropped
+        if (f) ferme(f + strlen(f));
     }
+};
+
+// printf's %i, %x and %X with one width digit and the zero flag.
+size_t FormateEntier(char* sortie, const Segment& s, uint32_t valeur) {
+    char chiffres[16];
+    size_t n = 0;
+    bool negatif = false;
+    if (s.genre == Segment::DECIMAL) {
+        const int32_t v = (int32_t)valeur;
+        negatif = v < 0;
+        uint32_t a = negatif ? 0u - (uint32_t)v : (uint32_t)v;
+        do chiffres[n++] = (char)('0' + a % 10); while ((a /= 10) != 0);
+    } else {
+        const char* hexa = s.genre == Segment::HEXA ? "0123456789abcdef" : "0123456789ABCDEF";
+        // Straight into place when no padding is due, the common "%04x" included.
+        const int nombre = valeur ? (32 - __builtin_clz(valeur) + 3) / 4 : 1;
+        if (nombre >= s.largeur) {
+            for (int i = nombre - 1; i >= 0; --i, valeur >>= 4) sortie[i] = hexa[valeur & 15];
+            return (size_t)nombre;
+        }
+        if (s.zeros) {
+            for (int i = s.largeur - 1; i >= 0; --i, valeur >>= 4) sortie[i] = hexa[valeur & 15];
+            return (size_t)s.largeur;
+        }
+        do chiffres[n++] = hexa[valeur & 15]; while ((valeur >>= 4) != 0);
+    }
+    const size_t utiles = n + (negatif ? 1 : 0);
+    const size_t remplissage = (size_t)s.largeur > utiles ? (size_t)s.largeur - utiles : 0;
+    size_t k = 0;
+    if (!s.zeros)
+        for (size_t i = 0; i < remplissage; ++i) sortie[k++] = ' ';
+    if (negatif) sortie[k++] = '-';
+    if (s.zeros)
+        for (size_t i = 0; i < remplissage; ++i) sortie[k++] = '0';
+    while (n) sortie[k++] = chiffres[--n];
+    return k;
+}
+
+// What the value loops write: bytes gathered in memory and handed to the file
+// in large blocks. A character 8 moves the place of the next byte one back,
+// in memory or in the file, without cutting anything: a byte that is not
+// written over stays. A template with fields goes through EcritGabarit after
+// what is gathered.
+class Redacteur {
+  public:
+    explicit Redacteur(FILE* f) : fichier(f) {}
+    ~Redacteur() { Vide(); }
+    Redacteur(const Redacteur&) = delete;
+    Redacteur& operator=(const Redacteur&) = delete;
+
+    void Gabarit(const char* gabarit) {
+        if (!gabarit || !*gabarit) return;
+        if (strchr(gabarit, '%')) {
+            Vide();
+            EcritGabarit(gabarit, fichier);
+            return;
+        }
+        for (const char* p = gabarit; *p; ++p) {
+            if (*p == '\b') {
+                if (n > 0) {
+                    --n;
+                } else {
+                    Vide();
+                    Recule(fichier);
+                }
+            } else {
+                Place(1);
+                tampon[n++] = *p;
+                Marque();
+            }
+        }
+    }
+
+    void Valeur(const FormatValeur& f, uint32_t valeur) {
+        for (const Segment& s : f.segments) {
+            switch (s.genre) {
+            case Segment::TEXTE: {
+                const char* texte = f.format + s.debut;
+                if (s.longueur > sizeof tampon / 2) {
+                    Vide();
+                    fwrite(texte, 1, s.longueur, fichier);
+                    break;
+                }
+                Place(s.longueur);
+                if (s.longueur <= 8) { // the usual ", " and "0x": no call
+                    for (size_t i = 0; i < s.longueur; ++i) tampon[n + i] = texte[i];
+                } else {
+                    memcpy(tampon + n, texte, s.longueur);
+                }
+                n += s.longueur;
+                break;
+            }
+            case Segment::BINAIRE:
+                Place(4);
+                for (int i = 0; i < s.octets; ++i) tampon[n++] = (char)(valeur >> (8 * i) & 0xff);
+                break;
+            case Segment::ERREUR_BINAIRE:
+                MessageDebug("Binary type error (please use %1b, %2b, %4b only)");
+                break;
+            default:
+                Place(16);
+                n += FormateEntier(tampon + n, s, valeur);
+            }
+            Marque();
+        }
+    }
+
+    // Hands what is gathered to the file; the file's place is then that of
+    // the next byte.
+    void Vide() {
+        if (haut) fwrite(tampon, 1, haut, fichier);
+        if (n < haut) fseek(fichier, -(long)(haut - n), SEEK_CUR);
+        n = haut = 0;
+    }
+
+  private:
+    void Place(size_t octets) {
+        if (n + octets > sizeof tampon) Vide();
+    }
+    void Marque() {
+        if (n > haut) haut = n;
+    }
+
+    FILE* fichier;
+    size_t n = 0;    // where the next byte goes
+    size_t haut = 0; // bytes gathered, some perhaps behind n
+    char tampon[65536];
+};
+
+} // namespace
+
+void EcritValeur(FILE* fichier, const char* format, uint32_t valeur) {
+    FormatValeur f;
+    f.Compile(format);
+    Redacteur r(fichier);
+    r.Valeur(f, valeur);
 }
 
 // ---- Value loops -------------------------------------------------------------------
 
 namespace {
 
-void AvantValeur(FILE* fichier, const SectionFormat& section, long v) {
-    if (section.n_every >= 1 && v >= 1 && v % section.n_every == 0) EcritGabarit(section.every_x, fichier);
-}
+// The number v of a value and v modulo n_every, kept as v goes up, so that
+// the test before each value costs no division.
+struct Compteur {
+    explicit Compteur(int32_t n) : n(n) {}
+    void Remet() { v = reste = 0; }
+    void Avant(Redacteur& r, const SectionFormat& section) const {
+        if (n >= 1 && v >= 1 && reste == 0) r.Gabarit(section.every_x);
+    }
+    void Avance(int pas) {
+        v += pas;
+        if (n < 1) return;
+        reste += pas;
+        while (reste >= n) reste -= n;
+    }
+    const int64_t n;
+    int64_t v = 0, reste = 0;
+};
 
 } // namespace
 
 void EcritValeursLignes(FILE* fichier, const SectionFormat& section, const char* element, const uint32_t* valeurs,
                         int largeur, int hauteur, bool parColonne) {
-    bool colonne = parColonne || section.line[0] != 0;
+    // v is the column when rows have a line template (or when asked), else
+    // the number in the file.
+    const bool colonne = parColonne || section.line[0] != 0;
+    FormatValeur f;
+    f.Compile(element);
+    Redacteur r(fichier);
+    Compteur c(section.n_every);
     for (int y = 0; y < hauteur; ++y) {
+        if (colonne) c.Remet();
+        const uint32_t* rangee = valeurs + (size_t)y * (size_t)largeur;
         for (int x = 0; x < largeur; ++x) {
-            AvantValeur(fichier, section, colonne ? x : (long)y * largeur + x);
-            EcritValeur(fichier, element, valeurs[(size_t)y * (size_t)largeur + (size_t)x]);
+            c.Avant(r, section);
+            r.Valeur(f, rangee[x]);
+            c.Avance(1);
         }
-        EcritGabarit(section.line, fichier);
+        r.Gabarit(section.line);
     }
 }
 
 void EcritValeursPalette(FILE* fichier, const SectionFormat& section, const uint32_t* couleurs, int nombre) {
+    FormatValeur f;
+    f.Compile(section.element);
+    Redacteur r(fichier);
+    Compteur c(section.n_every);
     for (int i = 0; i < nombre; ++i) {
-        AvantValeur(fichier, section, i);
-        EcritValeur(fichier, section.element, couleurs[i]);
+        c.Avant(r, section);
+        r.Valeur(f, couleurs[i]);
+        c.Avance(1);
     }
 }
 
 void EcritValeursMosaique(FILE* fichier, const SectionFormat& section, const uint32_t* pixels, int nbTuiles,
                           int pixelsParTuile, int profondeur) {
-    bool dansTuile = section.line[0] != 0;
-    int pas = profondeur == 4 ? 2 : 1;
-    const char* element = profondeur == 4 ? section.element2 : profondeur == 15 ? section.element3 : section.element;
-    long numero = 0;
+    // v is the pixel inside the tile when tiles have a line template (two a
+    // value at 4 bits), else the running number of the value.
+    const bool dansTuile = section.line[0] != 0;
+    const int pas = profondeur == 4 ? 2 : 1;
+    FormatValeur f;
+    f.Compile(profondeur == 4 ? section.element2 : profondeur == 15 ? section.element3 : section.element);
+    Redacteur r(fichier);
+    Compteur c(section.n_every);
     for (int t = 0; t < nbTuiles; ++t) {
+        if (dansTuile) c.Remet();
         const uint32_t* tuile = pixels + (size_t)t * (size_t)pixelsParTuile;
-        for (int i = 0; i < pixelsParTuile; i += pas, ++numero) {
-            AvantValeur(fichier, section, dansTuile ? i : numero);
+        for (int i = 0; i < pixelsParTuile; i += pas) {
+            c.Avant(r, section);
             uint32_t valeur = tuile[i];
             if (pas == 2) valeur = (tuile[i] & 0xf) | (i + 1 < pixelsParTuile ? (tuile[i + 1] & 0xf) << 4 : 0);
-            EcritValeur(fichier, element, valeur);
+            r.Valeur(f, valeur);
+            c.Avance(dansTuile ? pas : 1);
         }
-        EcritGabarit(section.line, fichier);
+        r.Gabarit(section.line);
     }
 }
