@@ -1,0 +1,220 @@
+// Whole batch runs of the real program, timed from process start to exit.
+//
+//   mesure genere <folder>                      writes the pictures of the cases
+//   mesure temps <program> <folder> [runs]      times every case, prints the table
+//   mesure plancher <picture> <bytes> <output>  the floor of one case (see below)
+//
+// For each case the program runs in a fresh folder holding the picture (and a
+// project when the case needs a setting); the line gives the median of the
+// runs, the peak memory of the slowest process, and the floor: a process that
+// only decodes the same picture and writes a file as large as all that the
+// case wrote, timed the same way in the same run.
+#include "platform/image.h"
+#include "platform/imagefichier.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+uint8_t* Pixel(Image& image, int x, int y) {
+    return image.pixels + (size_t)(image.hauteur - 1 - y) * image.pas + (size_t)x * 3;
+}
+
+// A GBA colour out of 256, all distinct after the 5-bit reduction.
+void Couleur(uint8_t* p, int c) {
+    p[2] = (uint8_t)((c & 7) * 32 + 16);
+    p[1] = (uint8_t)((c >> 3 & 7) * 32 + 16);
+    p[0] = (uint8_t)((c >> 6 & 3) * 64 + 16);
+}
+
+// A level: 8 x 8 tiles chosen among `uniques` by position, each drawn in
+// `couleurs` colours.
+void Niveau(Image& image, int cote, int couleurs, int uniques) {
+    for (int y = 0; y < cote; ++y)
+        for (int x = 0; x < cote; ++x) {
+            const uint32_t position = (uint32_t)(x / 8) * 2654435761u ^ (uint32_t)(y / 8) * 40503u;
+            const int tuile = (int)(position % (uint32_t)uniques);
+            Couleur(Pixel(image, x, y), (tuile * 7 + (x % 8) + (y % 8) * 3) % couleurs);
+        }
+}
+
+// Smooth light and hue changes with grain: a picture of hundreds of
+// thousands of 24-bit colours.
+void Photo(Image& image, int cote) {
+    uint32_t graine = 12345;
+    auto borne = [](double c) { return (uint8_t)(c < 0 ? 0 : c > 255 ? 255 : c); };
+    for (int y = 0; y < cote; ++y)
+        for (int x = 0; x < cote; ++x) {
+            graine = graine * 1103515245u + 12345u;
+            const int grain = (int)(graine >> 27) - 16;
+            const double u = (double)x / cote, v = (double)y / cote;
+            uint8_t* p = Pixel(image, x, y);
+            p[2] = borne(128 + 110 * std::sin(6.0 * u + 2.0 * v) + grain);
+            p[1] = borne(128 + 100 * std::cos(5.0 * v - 3.0 * u * v) + grain * 0.7);
+            p[0] = borne(128 + 120 * std::sin(4.0 * (u + v) + 1.0) - grain * 0.5);
+        }
+}
+
+struct Cas {
+    const char* nom;
+    const char* image; // without extension
+    const char* commande;
+    const char* donnees; // statements of the project's données section, or null
+};
+
+const Cas TousLesCas[] = {
+    {"256x256 15 colours, 4-bit tiles", "niveau256", "-tset src=niveau256.EXT +16c", nullptr},
+    {"512x512 200 colours, 8-bit tiles", "niveau512", "-tset src=niveau512.EXT", nullptr},
+    {"1024x1024 level 255 colours, 8-bit tiles", "niveau1024", "-tset src=niveau1024.EXT", nullptr},
+    {"1024x1024 photo, b8 255 colours (normal)", "photo1024", "-b8 src=photo1024.EXT", nullptr},
+    {"1024x1024 photo, b8 255 colours (optimal)", "photo1024", "-b8 src=photo1024.EXT", "  convert.mode = optimal\n"},
+    {"1024x1024 photo, b16", "photo1024", "-b16 src=photo1024.EXT", nullptr},
+};
+
+int Genere(const char* dossier) {
+    fs::create_directories(dossier);
+    struct {
+        const char* nom;
+        int cote;
+        void (*dessine)(Image&, int);
+    } images[] = {
+        {"niveau256", 256, [](Image& i, int c) { Niveau(i, c, 15, 40); }},
+        {"niveau512", 512, [](Image& i, int c) { Niveau(i, c, 200, 270); }},
+        {"niveau1024", 1024, [](Image& i, int c) { Niveau(i, c, 255, 400); }},
+        {"photo1024", 1024, Photo},
+    };
+    for (const auto& d : images) {
+        Image image;
+        if (!CreeImage(image, d.cote, d.cote, 24)) return 1;
+        d.dessine(image, d.cote);
+        const std::string base = std::string(dossier) + "/" + d.nom;
+        if (!EcritImageType((base + ".png").c_str(), "image/png", image, d.cote, d.cote) ||
+            !EcritImageType((base + ".bmp").c_str(), "image/bmp", image, d.cote, d.cote))
+            return 1;
+        LibereImage(image);
+    }
+    return 0;
+}
+
+double Maintenant() {
+    timespec t;
+    clock_gettime(CLOCK_MONOTONIC, &t);
+    return (double)t.tv_sec + (double)t.tv_nsec * 1e-9;
+}
+
+// Runs argv in the folder; gives the seconds taken and the peak memory in KiB.
+bool Lance(const std::vector<std::string>& arguments, const std::string& dossier, double& secondes, long& memoire) {
+    std::vector<char*> argv;
+    for (const std::string& a : arguments) argv.push_back(const_cast<char*>(a.c_str()));
+    argv.push_back(nullptr);
+    const double debut = Maintenant();
+    const pid_t pid = fork();
+    if (pid < 0) return false;
+    if (pid == 0) {
+        if (chdir(dossier.c_str()) != 0) _exit(127);
+        if (!freopen("/dev/null", "w", stderr)) _exit(127);
+        execv(argv[0], argv.data());
+        _exit(127);
+    }
+    int etat = 0;
+    rusage usage{};
+    if (wait4(pid, &etat, 0, &usage) != pid) return false;
+    secondes = Maintenant() - debut;
+    memoire = usage.ru_maxrss;
+    return WIFEXITED(etat) && WEXITSTATUS(etat) == 0;
+}
+
+double Mediane(std::vector<double> v) {
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0 : v.size() % 2 ? v[v.size() / 2] : (v[v.size() / 2 - 1] + v[v.size() / 2]) / 2;
+}
+
+int Temps(const char* programme, const char* images, int essais) {
+    const std::string moi = fs::canonical("/proc/self/exe").string();
+    const std::string prog = fs::absolute(programme).string();
+    const fs::path travail = fs::temp_directory_path() / ("tess_mesure_" + std::to_string(getpid()));
+    printf("%-46s %6s %10s %9s %11s %6s\n", "case", "source", "median ms", "peak MiB", "floor ms", "ratio");
+    for (const Cas& c : TousLesCas)
+        for (const char* ext : {"png", "bmp"}) {
+            std::string commande = c.commande;
+            commande.replace(commande.find("EXT"), 3, ext);
+            const std::string image = std::string(c.image) + "." + ext;
+            std::vector<double> temps, planchers;
+            long pic = 0;
+            uintmax_t octets = 0;
+            bool bon = true;
+            for (int i = 0; i < essais && bon; ++i) {
+                fs::remove_all(travail);
+                fs::create_directories(travail);
+                fs::copy_file(fs::path(images) / image, travail / image);
+                if (c.donnees) {
+                    FILE* f = fopen((travail / "projet.tsl").c_str(), "wb");
+                    if (!f) return 1;
+                    fprintf(f, "#Fichier de projet Tessellarium\n\n .section donn\xE9" "es\n%s  End\n", c.donnees);
+                    fclose(f);
+                }
+                double s;
+                long m;
+                bon = Lance({prog, commande}, travail.string(), s, m);
+                temps.push_back(s);
+                pic = std::max(pic, m);
+                octets = 0;
+                for (const auto& e : fs::directory_iterator(travail))
+                    if (e.path().extension() == ".c") octets += e.file_size();
+                // The floor: the same picture decoded, a file of the same size written.
+                bon = bon && Lance({moi, "plancher", image, std::to_string(octets), "plancher.out"}, travail.string(),
+                                   s, m);
+                planchers.push_back(s);
+            }
+            if (!bon) {
+                printf("%-46s %6s   failed\n", c.nom, ext);
+                continue;
+            }
+            const double t = Mediane(temps) * 1000, p = Mediane(planchers) * 1000;
+            printf("%-46s %6s %10.1f %9.1f %11.1f %6.2f\n", c.nom, ext, t, (double)pic / 1024.0, p, t / p);
+            fflush(stdout);
+        }
+    fs::remove_all(travail);
+    return 0;
+}
+
+int Plancher(const char* image, const char* octets, const char* sortie) {
+    size_t taille = 0;
+    uint8_t* donnees = LitFichierEntier(image, taille);
+    Image lue;
+    int bits = 0;
+    const uint8_t transparent[3] = {255, 0, 254};
+    if (!donnees || !LitImageMemoire(donnees, taille, lue, bits, transparent)) return 1;
+    free(donnees);
+    const size_t n = (size_t)strtoull(octets, nullptr, 10);
+    std::vector<char> tampon(n, 'x');
+    FILE* f = fopen(sortie, "wb");
+    if (!f || fwrite(tampon.data(), 1, n, f) != n) return 1;
+    fclose(f);
+    LibereImage(lue);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const std::string verbe = argc > 1 ? argv[1] : "";
+    if (verbe == "genere" && argc == 3) return Genere(argv[2]);
+    if (verbe == "temps" && argc >= 4) return Temps(argv[2], argv[3], argc > 4 ? atoi(argv[4]) : 9);
+    if (verbe == "plancher" && argc == 5) return Plancher(argv[2], argv[3], argv[4]);
+    fprintf(stderr, "usage: mesure genere <folder> | temps <program> <folder> [runs] | plancher <picture> <bytes> <out>\n");
+    return 2;
+}
