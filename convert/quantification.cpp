@@ -78,32 +78,61 @@ int Borne(int v, int bas, int haut) { return v < bas ? bas : v > haut ? haut : v
 
 // Working memory of the passes, made once for a search.
 struct Espace {
-    std::vector<uint8_t> couvert = std::vector<uint8_t>(CODES);
+    // The covered colours: one bit a colour, one 32-bit word for the 32 reds
+    // of each (blue, green).
+    uint32_t couvert[CODES / 32];
     std::vector<int16_t> meilleur = std::vector<int16_t>(CODES);
     std::vector<int32_t> distance = std::vector<int32_t>(CODES);
     std::vector<int16_t> vus = std::vector<int16_t>(CODES);
     uint8_t racine[DISTANCE_MAX + 1];
+    // Every blue and green offset within the threshold, with the red half-width
+    // left at that offset; made again when the threshold changes.
+    struct Rangee {
+        int8_t db, dg, dr;
+    };
+    std::vector<Rangee> profil;
+    int seuilProfil = -1;
+    // Whether some offset of three components lies exactly at this distance:
+    // when none does, the threshold below it covers the same colours.
+    bool distanceAtteinte[DISTANCE_MAX + 1] = {};
 
     Espace() {
         for (int i = 0, r = 0; i <= DISTANCE_MAX; ++i) {
             while ((r + 1) * (r + 1) <= i) ++r;
             racine[i] = (uint8_t)r;
         }
+        for (int a = 0; a <= 31; ++a)
+            for (int b = a; b <= 31; ++b)
+                for (int c = b; c <= 31; ++c) distanceAtteinte[a * a + b * b + c * c] = true;
     }
 
-    // Marks every colour within the threshold of (r, g, b); runs go along red,
-    // the lowest bits of a code.
-    void Marque(int r, int g, int b, int seuil) {
+    void Profil(int seuil) {
         const int s = seuil < DISTANCE_MAX ? seuil : DISTANCE_MAX;
-        const int rb = racine[s];
-        for (int bb = Borne(b - rb, 0, 31); bb <= Borne(b + rb, 0, 31); ++bb) {
-            const int reste = s - (bb - b) * (bb - b);
-            const int rg = racine[reste];
-            for (int gg = Borne(g - rg, 0, 31); gg <= Borne(g + rg, 0, 31); ++gg) {
-                const int rr = racine[reste - (gg - g) * (gg - g)];
-                const int debut = Borne(r - rr, 0, 31), fin = Borne(r + rr, 0, 31);
-                memset(couvert.data() + (bb << 10 | gg << 5) + debut, 1, (size_t)(fin - debut + 1));
+        if (s == seuilProfil) return;
+        seuilProfil = s;
+        profil.clear();
+        const int rb = racine[s] < 31 ? racine[s] : 31;
+        for (int db = -rb; db <= rb; ++db) {
+            const int reste = s - db * db;
+            const int rg = racine[reste] < 31 ? racine[reste] : 31;
+            for (int dg = -rg; dg <= rg; ++dg) {
+                const int rr = racine[reste - dg * dg];
+                profil.push_back({(int8_t)db, (int8_t)dg, (int8_t)(rr < 31 ? rr : 31)});
             }
+        }
+    }
+
+    void Efface() { memset(couvert, 0, sizeof couvert); }
+    bool Couvert(uint16_t c) const { return couvert[c >> 5] >> (c & 31) & 1; }
+
+    // Marks every colour within the threshold of the profile around (r, g, b).
+    void Marque(int r, int g, int b) {
+        for (const Rangee& p : profil) {
+            const int bb = b + p.db, gg = g + p.dg;
+            if ((unsigned)bb > 31 || (unsigned)gg > 31) continue;
+            const int debut = r - p.dr < 0 ? 0 : r - p.dr, fin = r + p.dr > 31 ? 31 : r + p.dr;
+            const uint32_t masque = (fin == 31 ? ~0u : (2u << fin) - 1) & ~((1u << debut) - 1);
+            couvert[bb << 5 | gg] |= masque;
         }
     }
 };
@@ -188,14 +217,15 @@ int Compte(Espace& e, const Source& s, const uint8_t* palette, int seuil, int fi
     fixes = Borne(fixes, 0, TRIPLES_REDUCTION);
     debut = Borne(debut, 0, fixes);
     const int limite = maxi < TRIPLES_REDUCTION ? maxi : TRIPLES_REDUCTION;
-    std::fill(e.couvert.begin(), e.couvert.end(), (uint8_t)0);
-    for (int t = debut; t < fixes; ++t) e.Marque(palette[3 * t + 2], palette[3 * t + 1], palette[3 * t], seuil);
+    e.Profil(seuil);
+    e.Efface();
+    for (int t = debut; t < fixes; ++t) e.Marque(palette[3 * t + 2], palette[3 * t + 1], palette[3 * t]);
     int n = fixes;
     for (const uint16_t c : s.distinctes) {
-        if (e.couvert[c]) continue;
+        if (e.Couvert(c)) continue;
         if (n >= limite) return -1;
         ++n;
-        e.Marque(Rouge(c), Vert(c), Bleu(c), seuil);
+        e.Marque(Rouge(c), Vert(c), Bleu(c));
     }
     return ReglagesConv.utilMaxCoul ? limite : n;
 }
@@ -250,8 +280,12 @@ int ReductionNormaleCherchee(uint32_t* indices, uint8_t* palette, int hauteur, i
                 t = DISTANCE_MAX - 1;
             }
         }
+        int precedent = -2; // the count at t + 1
         for (; t >= 0; --t) {
-            const int r = Compte(e, s, palette, t, fixes, debut, maxi);
+            // With no offset exactly at t + 1, t covers what t + 1 did.
+            const bool meme = precedent != -2 && t + 1 <= DISTANCE_MAX && !e.distanceAtteinte[t + 1];
+            const int r = meme ? precedent : Compte(e, s, palette, t, fixes, debut, maxi);
+            precedent = r;
             if (r == -1) break;
             if (r > plus) {
                 plus = r;
@@ -382,8 +416,16 @@ struct Octree {
         return n;
     }
 
+    // The leaf each colour reached last, good until the next fold: colours
+    // hold 5 bits a component here, so a 15-bit code names them.
+    std::vector<int32_t> feuilleDe = std::vector<int32_t>(32768, -1);
+    std::vector<uint32_t> pliDe = std::vector<uint32_t>(32768, 0);
+    uint32_t plis = 1;
+
     void Insere(int r, int g, int b) {
+        const int code = r >> 3 | (g >> 3) << 5 | (b >> 3) << 10;
         int32_t n = 0; // the root
+        if (pliDe[(size_t)code] == plis) n = feuilleDe[(size_t)code];
         for (int k = 0; k < 8 && !noeuds[(size_t)n].feuille; ++k) {
             const int bit = 7 - k;
             const int f = 4 * (r >> bit & 1) + 2 * (g >> bit & 1) + (b >> bit & 1);
@@ -393,6 +435,8 @@ struct Octree {
             }
             n = noeuds[(size_t)n].fils[f];
         }
+        feuilleDe[(size_t)code] = n;
+        pliDe[(size_t)code] = plis;
         NoeudOctal& feuille = noeuds[(size_t)n];
         ++feuille.nbPixels;
         feuille.sommeRouge += (uint64_t)r;
@@ -424,6 +468,7 @@ struct Octree {
         }
         noeuds[(size_t)n].feuille = true;
         feuilles += 1 - enfants;
+        ++plis; // freed nodes may be used again: no remembered leaf holds
         return true;
     }
 
