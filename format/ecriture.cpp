@@ -118,10 +118,18 @@ struct Segment {
 struct FormatValeur {
     const char* format = nullptr;
     std::vector<Segment> segments;
+    size_t longueurMax = 0; // bytes one value can take at most
 
     void Compile(const char* f) {
         format = f;
         segments.clear();
+        Lit(f);
+        longueurMax = 0;
+        for (const Segment& s : segments)
+            longueurMax += s.genre == Segment::TEXTE ? s.longueur : s.genre == Segment::BINAIRE ? 4 : 16;
+    }
+
+    void Lit(const char* f) {
         int largeur = 0; // stays for the following conversions of this format
         const char* texte = f;
         auto ferme = [&](const char* fin) {
@@ -232,6 +240,38 @@ class Redacteur {
     }
 
     void Valeur(const FormatValeur& f, uint32_t valeur) {
+        if (f.longueurMax > sizeof tampon / 2) {
+            ValeurLongue(f, valeur);
+            return;
+        }
+        if (n + f.longueurMax > sizeof tampon) Vide();
+        // Written through a local pointer: stores to the buffer could
+        // otherwise alias the counters.
+        char* t = tampon + n;
+        for (const Segment& s : f.segments) {
+            switch (s.genre) {
+            case Segment::TEXTE: {
+                const char* texte = f.format + s.debut;
+                for (size_t i = 0; i < s.longueur; ++i) t[i] = texte[i];
+                t += s.longueur;
+                break;
+            }
+            case Segment::BINAIRE:
+                for (int i = 0; i < s.octets; ++i) *t++ = (char)(valeur >> (8 * i) & 0xff);
+                break;
+            case Segment::ERREUR_BINAIRE:
+                MessageDebug("Binary type error (please use %1b, %2b, %4b only)");
+                break;
+            default:
+                t += FormateEntier(t, s, valeur);
+            }
+        }
+        n = (size_t)(t - tampon);
+        Marque();
+    }
+
+    // A format with a literal run too long for the buffer: piece by piece.
+    void ValeurLongue(const FormatValeur& f, uint32_t valeur) {
         for (const Segment& s : f.segments) {
             switch (s.genre) {
             case Segment::TEXTE: {

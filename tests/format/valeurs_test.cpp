@@ -160,4 +160,9 @@ TEST_F(Valeurs, RetourEnArriereAuBordDuTampon) {
     const std::string rapide = Ecrit([&](FILE* f) { EcritValeursLignes(f, s, s.element, v.data(), 10923, 3, false); });
     const std::string simple = Ecrit([&](FILE* f) { LignesSimples(f, s, s.element, v, 10923, 3, false); });
     EXPECT_EQ(rapide, simple);
+    // A literal longer than the buffer goes to the file piece by piece.
+    const std::string long_ = "%x" + std::string(40000, 'z') + "%2b";
+    const std::string a = Ecrit([&](FILE* f) { EcritValeursLignes(f, s, long_.c_str(), v.data(), 3, 2, false); });
+    const std::string b = Ecrit([&](FILE* f) { LignesSimples(f, s, long_.c_str(), v, 3, 2, false); });
+    EXPECT_EQ(a, b);
 }
