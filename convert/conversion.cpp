@@ -18,14 +18,19 @@
 #include <unordered_map>
 #include <vector>
 
-const uint8_t* PixelSource(int x, int y) {
+const uint8_t* LigneSource(int y, int& debut, int& fin) {
     const Cadre& c = CadreDessin;
     const Image& s = SurfaceApercu;
-    const int X = c.xOrigine + x, Y = c.yOrigine + y;
-    if (!s.pixels || X < 0 || Y < 0 || X >= c.xLimite || Y >= c.yLimite || X >= s.largeur || Y >= s.hauteur)
-        return nullptr;
-    return s.pixels + (size_t)(s.hauteur - 1 - Y) * s.pas + (size_t)X * 3;
+    const int Y = c.yOrigine + y;
+    debut = fin = 0;
+    if (!s.pixels || Y < 0 || Y >= c.yLimite || Y >= s.hauteur) return nullptr;
+    debut = c.xOrigine < 0 ? -c.xOrigine : 0;
+    const int limite = c.xLimite < s.largeur ? c.xLimite : s.largeur;
+    fin = limite - c.xOrigine;
+    if (fin < debut) fin = debut;
+    return s.pixels + (size_t)(s.hauteur - 1 - Y) * s.pas + (ptrdiff_t)c.xOrigine * 3;
 }
+
 
 namespace {
 
@@ -157,9 +162,13 @@ int ConvertitBitmap16(ElementProjet* lignes) {
     const int l = sizex > 0 ? sizex : 0, h = sizey > 0 ? sizey : 0;
     std::vector<uint32_t> valeurs((size_t)l * h, 0);
     // The mask colour has no meaning here: every pixel is a colour.
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < l; ++x)
-            if (const uint8_t* p = PixelSource(x, y)) valeurs[(size_t)y * l + x] = Couleur15(p);
+    for (int y = 0; y < h; ++y) {
+        int debut, fin;
+        const uint8_t* ligne = LigneSource(y, debut, fin);
+        if (!ligne) continue;
+        uint32_t* sortie = valeurs.data() + (size_t)y * l;
+        for (int x = debut; x < fin && x < l; ++x) sortie[x] = Couleur15(ligne + 3 * x);
+    }
     MetVariables(b, NomSortie(ReglagesConv.nomBitmap16, b), nullptr, 0, (int64_t)l * h * 2, 0, nullptr);
     const SectionFormat& s = FormatCourant.sections[SECTION_BITMAP16];
     EcritGabarit(s.declaration, f);
@@ -214,12 +223,17 @@ int ConvertitMosaique(ElementProjet* lignes, int maxi) {
     if (c.quinzeBits) {
         // Direct colours: the mask colour and the padding are 0xFFFF.
         const uint8_t* m = c.masque;
-        for (int y = 0; y < H; ++y)
-            for (int x = 0; x < L; ++x) {
-                const uint8_t* p = PixelSource(x, y);
-                const bool vide = !p || (p[2] == m[0] && p[1] == m[1] && p[0] == m[2]);
-                pixels[(size_t)y * L + x] = vide ? 65535 : Couleur15(p);
+        std::fill(pixels.begin(), pixels.end(), 65535u);
+        for (int y = 0; y < H; ++y) {
+            int debut, fin;
+            const uint8_t* ligne = LigneSource(y, debut, fin);
+            if (!ligne) continue;
+            uint32_t* sortie = pixels.data() + (size_t)y * L;
+            for (int x = debut; x < fin && x < L; ++x) {
+                const uint8_t* p = ligne + 3 * x;
+                if (!(p[2] == m[0] && p[1] == m[1] && p[0] == m[2])) sortie[x] = Couleur15(p);
             }
+        }
     } else {
         int fixes, debut;
         if (!PaletteExistante(lignes[1], palette, fixes, debut)) return 0;

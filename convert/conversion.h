@@ -12,6 +12,7 @@ int ConvertitBitmap8(ElementProjet* lignes, int maxi);
 // rows[0]: the tileset, rows[1]: the palette, rows[2]: the map.
 int ConvertitMosaique(ElementProjet* lignes, int maxi);
 
-// The source pixel (x, y) of the area, through CadreDessin: its blue, green,
-// red bytes, or null for a pixel at or beyond the limits.
-const uint8_t* PixelSource(int x, int y);
+// Row y of the area that a conversion reads, through CadreDessin: pixel x
+// (blue, green, red) lies 3 x bytes from the pointer for x from debut up to
+// fin; null when the row is at or beyond the limits.
+const uint8_t* LigneSource(int y, int& debut, int& fin);
