@@ -163,6 +163,10 @@ int Passe(Espace& e, const Source& s, uint32_t* indices, uint8_t* palette, int s
             if (indices) indices[i] = transparent;
             continue;
         }
+        if (e.vus[c] == n) { // no triple added since this colour was last met
+            if (indices) indices[i] = (uint32_t)e.meilleur[c] + 1;
+            continue;
+        }
         const int r = Rouge(c), g = Vert(c), b = Bleu(c);
         int meilleur = -1, proche = seuil, t = debut;
         if (e.vus[c] >= 0) {

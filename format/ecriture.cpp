@@ -120,14 +120,30 @@ struct FormatValeur {
     std::vector<Segment> segments;
     size_t longueurMax = 0; // bytes one value can take at most
 
-    void Compile(const char* f) {
+    void Compile(const char* f, size_t valeurs = 0) {
         format = f;
         segments.clear();
         Lit(f);
         longueurMax = 0;
-        for (const Segment& s : segments)
+        bool message = false;
+        for (const Segment& s : segments) {
             longueurMax += s.genre == Segment::TEXTE ? s.longueur : s.genre == Segment::BINAIRE ? 4 : 16;
+            message = message || s.genre == Segment::ERREUR_BINAIRE;
+        }
+        // A long loop keeps the written form of each small value: values
+        // repeat (palette indices, colours, tile numbers), and a copy costs
+        // less than formatting. Not for a format that shows a message.
+        memoire.clear();
+        if (valeurs >= 4096 && !message && longueurMax < sizeof(Forme::octets))
+            memoire.resize(VALEURS_MEMOIRE);
     }
+
+    static constexpr uint32_t VALEURS_MEMOIRE = 32768;
+    struct Forme {
+        uint8_t longueur; // bytes + 1; 0 while not yet made
+        char octets[31];
+    };
+    mutable std::vector<Forme> memoire;
 
     void Lit(const char* f) {
         int largeur = 0; // stays for the following conversions of this format
@@ -248,6 +264,20 @@ class Redacteur {
         // Written through a local pointer: stores to the buffer could
         // otherwise alias the counters.
         char* t = tampon + n;
+        if (valeur < FormatValeur::VALEURS_MEMOIRE && !f.memoire.empty()) {
+            FormatValeur::Forme& forme = f.memoire[valeur];
+            if (!forme.longueur) forme.longueur = (uint8_t)(Formate(f, valeur, forme.octets) - forme.octets + 1);
+            memcpy(t, forme.octets, forme.longueur - 1u);
+            t += forme.longueur - 1;
+        } else {
+            t = Formate(f, valeur, t);
+        }
+        n = (size_t)(t - tampon);
+        Marque();
+    }
+
+    // One value through the format's pieces; gives the end of what it wrote.
+    static char* Formate(const FormatValeur& f, uint32_t valeur, char* t) {
         for (const Segment& s : f.segments) {
             switch (s.genre) {
             case Segment::TEXTE: {
@@ -266,8 +296,7 @@ class Redacteur {
                 t += FormateEntier(t, s, valeur);
             }
         }
-        n = (size_t)(t - tampon);
-        Marque();
+        return t;
     }
 
     // A format with a literal run too long for the buffer: piece by piece.
@@ -366,7 +395,7 @@ void EcritValeursLignes(FILE* fichier, const SectionFormat& section, const char*
     // the number in the file.
     const bool colonne = parColonne || section.line[0] != 0;
     FormatValeur f;
-    f.Compile(element);
+    f.Compile(element, (size_t)(largeur > 0 ? largeur : 0) * (size_t)(hauteur > 0 ? hauteur : 0));
     Redacteur r(fichier);
     Compteur c(section.n_every);
     for (int y = 0; y < hauteur; ++y) {
@@ -400,7 +429,8 @@ void EcritValeursMosaique(FILE* fichier, const SectionFormat& section, const uin
     const bool dansTuile = section.line[0] != 0;
     const int pas = profondeur == 4 ? 2 : 1;
     FormatValeur f;
-    f.Compile(profondeur == 4 ? section.element2 : profondeur == 15 ? section.element3 : section.element);
+    f.Compile(profondeur == 4 ? section.element2 : profondeur == 15 ? section.element3 : section.element,
+              (size_t)(nbTuiles > 0 ? nbTuiles : 0) * (size_t)(pixelsParTuile > 0 ? pixelsParTuile : 0));
     Redacteur r(fichier);
     Compteur c(section.n_every);
     for (int t = 0; t < nbTuiles; ++t) {

@@ -115,7 +115,10 @@ TEST_F(Valeurs, BouclesRapidesEgalesALaFaconSimple) {
         s.every_x = every.c_str();
         s.line = ligne.c_str();
         s.n_every = (int32_t)(alea() % 5) - 1;
-        const int l = 1 + (int)(alea() % 9), h = 1 + (int)(alea() % 4);
+        // Now and then a loop long enough for the written forms to be kept.
+        const bool longue = alea() % 4 == 0;
+        const int l = longue ? 70 + (int)(alea() % 30) : 1 + (int)(alea() % 9);
+        const int h = longue ? 60 + (int)(alea() % 10) : 1 + (int)(alea() % 4);
         std::vector<uint32_t> v((size_t)l * h * 64);
         for (uint32_t& x : v) x = alea() % 3 == 0 ? alea() : alea() % 300 - (alea() % 2 ? 150 : 0);
         const bool colonne = alea() % 2;
