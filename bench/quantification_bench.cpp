@@ -10,6 +10,8 @@
 #include "render/surfaces.h"
 #include "script/interpreteur.h"
 
+#include "bench/images_bench.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -18,21 +20,7 @@
 
 namespace {
 
-void Photo(Image& image, int cote) {
-    uint32_t graine = 12345;
-    for (int y = 0; y < cote; ++y) {
-        uint8_t* ligne = image.pixels + (size_t)(image.hauteur - 1 - y) * image.pas;
-        for (int x = 0; x < cote; ++x) {
-            graine = graine * 1103515245u + 12345u;
-            const int grain = (int)(graine >> 28) - 8;
-            const double u = (double)x / cote, v = (double)y / cote;
-            auto borne = [](double c) { return (uint8_t)(c < 0 ? 0 : c > 255 ? 255 : c); };
-            ligne[3 * x + 2] = borne(128 + 110 * std::sin(6.0 * u + 2.0 * v) + grain);
-            ligne[3 * x + 1] = borne(128 + 100 * std::cos(5.0 * v - 3.0 * u * v) + grain);
-            ligne[3 * x + 0] = borne(128 + 120 * std::sin(4.0 * (u + v) + 1.0) + grain);
-        }
-    }
-}
+using bench::Photo;
 
 void Prepare(int cote) {
     ReinitialiseReglages();
