@@ -13,8 +13,20 @@ char GabaritListe[TAILLE_GABARIT_LISTE];
 
 int32_t DecalageParametre(const ModeleParametres& modele, int i) {
     int32_t decalage = 0;
-    for (int k = 0; k < i && k < NB_PARAMETRES_MAX; ++k) decalage += modele.tailles[k];
+    for (int k = 0; k < i && k < NB_PARAMETRES_MAX; ++k) decalage += TailleParametreBornee(modele.tailles[k]);
     return decalage;
+}
+
+void PoseEntierParametre(uint8_t* champ, int32_t taille, int32_t valeur) {
+    const int32_t n = TailleParametreBornee(taille);
+    memcpy(champ, &valeur, n < 4 ? (size_t)n : 4);
+}
+
+int32_t EntierParametre(const uint8_t* champ, int32_t taille) {
+    const int32_t n = TailleParametreBornee(taille);
+    int32_t valeur = 0;
+    memcpy(&valeur, champ, n < 4 ? (size_t)n : 4);
+    return valeur;
 }
 
 namespace {
@@ -66,7 +78,8 @@ bool TrouveChamp(const ModeleParametres& modele, const char* nom, Champ& champ) 
     if (strcmp(nom, "type") == 0) return champ = {0, 8, 4}, true;
     for (int i = 0; i < NbParametres(modele); ++i)
         if (strcmp(modele.noms[i], nom) == 0) {
-            champ = {modele.genres[i], TAILLE_OBJET_BASE + DecalageParametre(modele, i), modele.tailles[i]};
+            champ = {modele.genres[i], TAILLE_OBJET_BASE + DecalageParametre(modele, i),
+                     TailleParametreBornee(modele.tailles[i])};
             return true;
         }
     return false;
@@ -122,9 +135,7 @@ void EcritObjetListe(FILE* fichier, const char* gabarit, const ModeleParametres&
             const char* texte = (const char*)objet + c.decalage;
             fwrite(texte, 1, strnlen(texte, (size_t)(c.taille > 0 ? c.taille : 0)), fichier);
         } else {
-            int32_t v;
-            memcpy(&v, objet + c.decalage, 4);
-            fprintf(fichier, "%i", v);
+            fprintf(fichier, "%i", EntierParametre(objet + c.decalage, c.taille));
         }
     }
 }
@@ -145,8 +156,7 @@ void Stocke(const ModeleParametres& modele, uint8_t* objet, const char* nom, con
         if (c.taille > 0) CopieBornee((char*)objet + c.decalage, (size_t)c.taille, texte.c_str());
         return;
     }
-    int32_t v = (int32_t)strtol(texte.c_str(), nullptr, 10);
-    memcpy(objet + c.decalage, &v, 4);
+    PoseEntierParametre(objet + c.decalage, c.taille, (int32_t)strtol(texte.c_str(), nullptr, 10));
 }
 
 } // namespace

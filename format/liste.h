@@ -15,6 +15,11 @@ extern char GabaritListe[TAILLE_GABARIT_LISTE];
 // Bytes of the parameters before parameter i; the parameter lies 12 further
 // in an object.
 int32_t DecalageParametre(const ModeleParametres& modele, int i);
+// An Integer parameter holds a 32-bit word, yet its size comes from scripts
+// as given: one of fewer than 4 bytes keeps the word's low bytes, so that no
+// value reaches past its own place in the object.
+void PoseEntierParametre(uint8_t* champ, int32_t taille, int32_t valeur);
+int32_t EntierParametre(const uint8_t* champ, int32_t taille);
 // GabaritListe from the list section of the format in use; "Standard" expands
 // its "#+param:<before>:<after>#" to one field per parameter of the model.
 void ConstruitGabaritListe();

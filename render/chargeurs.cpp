@@ -200,8 +200,14 @@ int ChargeMosaique(uint8_t* palette, uint32_t** tuiles, const char* chemin, bool
         LibereTampon(t);
         return 0;
     }
-    int64_t unites = (int64_t)(ty / 8) * (tx / 8) * (int64_t)taille;
-    if (unites < 0) unites = 0;
+    // The three factors come from the file and their product may not fit in
+    // 64 bits; past UNITES_MAX every count behaves alike, so it stops there.
+    const int64_t parTuile = (int64_t)(ty / 8) * (tx / 8);
+    int64_t unites = 0;
+    if (parTuile != 0 && taille != 0 && (parTuile < 0) == (taille < 0)) {
+        const int64_t a = parTuile < 0 ? -parTuile : parTuile, b = taille < 0 ? -(int64_t)taille : taille;
+        unites = a > UNITES_MAX || b > UNITES_MAX ? (int64_t)UNITES_MAX + 1 : a * b;
+    }
     // Room for the units that can be read: one past the limit shows the box.
     const int64_t lisibles = unites < UNITES_MAX ? unites : UNITES_MAX;
     bool alloue = false;
@@ -350,11 +356,11 @@ constexpr uint64_t OCTETS_LISTE_MAX = 64u << 20;
 void ValeursParDefaut(const ModeleParametres& modele, uint8_t* objet) {
     for (int i = 0; i < modele.nbParametres && i < NB_PARAMETRES_MAX; ++i) {
         uint8_t* champ = objet + TAILLE_OBJET_BASE + DecalageParametre(modele, i);
+        const int32_t taille = TailleParametreBornee(modele.tailles[i]);
         if (modele.genres[i] == PARAMETRE_BRUT) {
-            if (modele.tailles[i] > 0) CopieBornee((char*)champ, (size_t)modele.tailles[i], modele.defauts[i]);
+            if (taille > 0) CopieBornee((char*)champ, (size_t)taille, modele.defauts[i]);
         } else {
-            int32_t v = (int32_t)strtol(modele.defauts[i], nullptr, 10);
-            memcpy(champ, &v, 4);
+            PoseEntierParametre(champ, taille, (int32_t)strtol(modele.defauts[i], nullptr, 10));
         }
     }
 }

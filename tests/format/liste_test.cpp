@@ -121,6 +121,19 @@ TEST_F(Liste, ObjetsEcrits) {
     EXPECT_TRUE(journal.messages.empty());
 }
 
+TEST_F(Liste, EntiersDeMoinsDe4OctetsGardentLeursOctetsBas) {
+    // Sizes 2, 1 and 0: an object of 15 bytes, and nothing read or written past it.
+    ModeleParametres& m = Modele();
+    Parametres(m, {{"a", 1, 2}, {"b", 1, 1}, {"c", 1, 0}});
+    ConstruitGabaritListe();
+    Donnees d("\r\n\t{7,1,2,258,-1,5},\r\n};\r\n");
+    Objet lu(m);
+    bool erreur = false;
+    LitObjetListe(0, d.t, GabaritListe, m, lu.octets.data(), LISTE_NORMALE, "", erreur);
+    EXPECT_FALSE(erreur);
+    EXPECT_EQ(EcritObjets(GabaritListe, {lu}), "\r\n\t{7,1,2,258,255,0},");
+}
+
 TEST_F(Liste, AllerRetourEnMode0) {
     ModeleParametres& m = Modele();
     Parametres(m, {{"speed", 1, 4}, {"nom", 2, 12}, {"0x<flags>", 1, 4}});

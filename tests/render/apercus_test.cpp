@@ -417,6 +417,11 @@ TEST_F(Charge, MosaiqueDePlusDe8192UnitesDonneLaBoite) {
         }
         free(tuiles);
     }
+    // Sides and count whose product passes 64 bits: what the file holds is read.
+    Ecrit("g.til.c", {SECTION_TILESET, 8, 0, 0, INT32_MAX, INT32_MAX, INT32_MAX}, Unites(8, 1));
+    uint32_t* tuiles = nullptr;
+    EXPECT_EQ(ChargeMosaique(nullptr, &tuiles, "g.til.c", false), 1);
+    free(tuiles);
 }
 
 // A file of each loader cut at every length: what is read is a prefix of the
