@@ -8,6 +8,8 @@ cd "$(dirname "$0")"
 mode=${1:-example}
 
 paquets=(g++ cmake make libgtest-dev libbenchmark-dev libpng-dev libjpeg-dev libgif-dev libtiff-dev)
+# The fuzz targets' regression run needs clang's libFuzzer.
+[ "$mode" = test ] && paquets+=(clang-14 libclang-rt-14-dev libfuzzer-14-dev)
 manque=()
 for p in "${paquets[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || manque+=("$p")
@@ -43,6 +45,8 @@ case "$mode" in
     cmake --build build-asan -j"$jobs"
     UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 ASAN_OPTIONS=detect_leaks=1 \
       ctest --test-dir build-asan --output-on-failure -j"$jobs"
+    # Every fuzz target a few seconds on its committed corpus, crash cases included.
+    bash tests/fuzz/run.sh regression
     ;;
   *)
     echo "usage: bash setup.sh [example|test]" >&2
