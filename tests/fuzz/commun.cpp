@@ -126,15 +126,23 @@ void ArgumentsComplets(int* argc, char*** argv) {
 void PrepareCible(const char* nom, int* argc, char*** argv) {
     if (argc && argv) ArgumentsComplets(argc, argv);
     PlateformeCourante = PlateformeMuette;
-    char modele[256];
-    FormateBorne(modele, sizeof modele, "/dev/shm/tess_fuzz_%s_XXXXXX", nom);
-    if (!mkdtemp(modele)) {
-        // No /dev/shm: the system's temporary folder.
-        FormateBorne(modele, sizeof modele, "%s/tess_fuzz_%s_XXXXXX",
-                     std::filesystem::temp_directory_path().c_str(), nom);
-        if (!mkdtemp(modele)) abort();
-    }
-    Dossier = modele;
+    std::error_code ec;
+    std::filesystem::path base = "/dev/shm";
+    if (!std::filesystem::is_directory(base, ec)) base = std::filesystem::temp_directory_path();
+    // A target that crashes ends without its exit handlers: the folders of
+    // targets no longer running (named by their process) go first.
+    if (std::filesystem::exists("/proc/self", ec))
+        for (const auto& e : std::filesystem::directory_iterator(base, ec)) {
+            const std::string n = e.path().filename().string();
+            if (n.compare(0, 10, "tess_fuzz_") != 0) continue;
+            const std::string pid = n.substr(n.rfind('_') + 1);
+            if (!pid.empty() && pid.find_first_not_of("0123456789") == std::string::npos &&
+                !std::filesystem::exists("/proc/" + pid, ec))
+                std::filesystem::remove_all(e.path(), ec);
+        }
+    Dossier = (base / ("tess_fuzz_" + std::string(nom) + "_" + std::to_string(getpid()))).string();
+    std::filesystem::remove_all(Dossier, ec);
+    if (!std::filesystem::create_directory(Dossier, ec)) abort();
     if (chdir(Dossier.c_str()) != 0) abort();
     atexit(EffaceDossier);
 
