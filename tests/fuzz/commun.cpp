@@ -448,3 +448,11 @@ void EcritListeExemple(const char* chemin, const char* lienMosaique) {
     RestaureVariables();
     ModeleSelectionne = avant;
 }
+
+void PrepareDeuxFormats() {
+    PrepareElementsExemple();
+    DefinitFormatEssai();
+    ChoisitFormat(FORMAT_ESSAI);
+    PrepareElementsExemple();
+    ChoisitFormat("Standard");
+}

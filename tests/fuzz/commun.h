@@ -65,6 +65,10 @@ void PrepareElementsExemple();
 void DefinitFormatEssai();
 constexpr const char* FORMAT_ESSAI = "Essai";
 
+// The example elements written in both formats, "Essai" defined, and
+// "Standard" chosen again: the start of the targets that read element files.
+void PrepareDeuxFormats();
+
 // Defines the model "Ennemis" (an integer and an 8-byte text) and leaves
 // "Default" selected.
 void DefinitModeleEnnemis();

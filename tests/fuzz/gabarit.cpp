@@ -44,11 +44,7 @@ IndexSection SectionDe(int chargeur) {
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
     PrepareCible("gabarit", argc, argv);
-    PrepareElementsExemple();
-    DefinitFormatEssai();
-    ChoisitFormat(FORMAT_ESSAI);
-    PrepareElementsExemple();
-    ChoisitFormat("Standard");
+    PrepareDeuxFormats();
     return 0;
 }
 

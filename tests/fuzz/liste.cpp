@@ -20,11 +20,7 @@
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
     PrepareCible("liste", argc, argv);
-    PrepareElementsExemple();
-    DefinitFormatEssai();
-    ChoisitFormat(FORMAT_ESSAI);
-    PrepareElementsExemple();
-    ChoisitFormat("Standard");
+    PrepareDeuxFormats();
     return 0;
 }
 
