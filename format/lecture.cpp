@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <sys/stat.h>
 
 bool SilenceLecture = false;
 
@@ -22,14 +23,34 @@ int ChargeTampon(const char* chemin, TamponLecture& tampon) {
     LibereTampon(tampon);
     FILE* f = OuvreFichier(chemin, "rb");
     if (!f) return 0;
-    tampon.donnees = (char*)malloc((size_t)TAILLE_TAMPON_LECTURE + 1);
-    if (!tampon.donnees) {
-        fclose(f);
-        return 0;
+    // Sized to the file, so that a small file costs a small buffer and
+    // nothing past its end is ever readable; a file that is no regular file
+    // (or grows meanwhile) is read in growing steps up to the cut.
+    struct stat etat;
+    size_t capacite = 65536;
+    if (fstat(fileno(f), &etat) == 0 && S_ISREG(etat.st_mode) && etat.st_size >= 0)
+        capacite = (size_t)etat.st_size < (size_t)TAILLE_TAMPON_LECTURE ? (size_t)etat.st_size + 1
+                                                                          : (size_t)TAILLE_TAMPON_LECTURE;
+    size_t lu = 0;
+    char* donnees = (char*)malloc(capacite + 1);
+    while (donnees) {
+        lu += fread(donnees + lu, 1, capacite - lu, f);
+        if (lu < capacite || capacite == (size_t)TAILLE_TAMPON_LECTURE) break;
+        size_t suivante = capacite * 2 < (size_t)TAILLE_TAMPON_LECTURE ? capacite * 2 : (size_t)TAILLE_TAMPON_LECTURE;
+        char* plus = (char*)realloc(donnees, suivante + 1);
+        if (!plus) {
+            free(donnees);
+            donnees = nullptr;
+            break;
+        }
+        donnees = plus;
+        capacite = suivante;
     }
-    tampon.taille = (int32_t)fread(tampon.donnees, 1, (size_t)TAILLE_TAMPON_LECTURE, f);
-    tampon.donnees[tampon.taille] = 0;
     fclose(f);
+    if (!donnees) return 0;
+    tampon.donnees = donnees;
+    tampon.taille = (int32_t)lu;
+    tampon.donnees[lu] = 0;
     return 1;
 }
 

@@ -14,7 +14,7 @@ struct TamponLecture {
     int32_t taille = 0;
 };
 
-// Reads a file into a buffer (one read, at most 8 MiB). Gives 1 on success.
+// Reads a file into a buffer of its size (at most 8 MiB). Gives 1 on success.
 int ChargeTampon(const char* chemin, TamponLecture& tampon);
 void LibereTampon(TamponLecture& tampon);
 inline int32_t EchecLecture(const TamponLecture& t) { return t.taille + 1; }

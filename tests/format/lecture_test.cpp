@@ -15,6 +15,8 @@
 #include <iterator>
 #include <random>
 #include <string>
+#include <sys/stat.h>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -429,6 +431,17 @@ TEST_F(Lecture, ChargementDuTampon) {
     EcritFichier("grand.bin", std::string((size_t)TAILLE_TAMPON_LECTURE + 10, 'x'));
     ASSERT_EQ(ChargeTampon("grand.bin", t), 1);
     EXPECT_EQ(t.taille, TAILLE_TAMPON_LECTURE);
+    EXPECT_EQ(t.donnees[t.taille], 0);
+    // Something that is not a regular file (a pipe here) is read in growing
+    // steps, whole.
+    ASSERT_EQ(mkfifo("tube", 0600), 0);
+    std::string contenu(200003, 0);
+    for (size_t i = 0; i < contenu.size(); ++i) contenu[i] = (char)('a' + i % 23);
+    std::thread ecrivain([&] { EcritFichier("tube", contenu); });
+    ASSERT_EQ(ChargeTampon("tube", t), 1);
+    ecrivain.join();
+    ASSERT_EQ(t.taille, (int32_t)contenu.size());
+    EXPECT_EQ(std::string(t.donnees, t.taille), contenu);
     EXPECT_EQ(t.donnees[t.taille], 0);
     LibereTampon(t);
     EXPECT_EQ(t.donnees, nullptr);
