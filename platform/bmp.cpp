@@ -91,9 +91,11 @@ bool DecodeRle(const uint8_t* d, size_t n, bool quatre, int largeur, int hauteur
 
 } // namespace
 
+int64_t PixelsImageMax = PIXELS_IMAGE_MAX;
+
 bool TailleImageAdmise(int64_t largeur, int64_t hauteur) {
     return largeur > 0 && hauteur > 0 && largeur <= COTE_IMAGE_MAX && hauteur <= COTE_IMAGE_MAX &&
-           largeur * hauteur <= PIXELS_IMAGE_MAX;
+           largeur * hauteur <= PixelsImageMax;
 }
 
 uint8_t* LitFichierEntier(const char* chemin, size_t& taille) {
@@ -263,12 +265,25 @@ int LitBmp(const uint8_t* d, size_t n, Image& image, int& bitsFichier) {
     return 1;
 }
 
-int EcritBmp(const char* chemin, const Image& s, int largeur, int hauteur) {
-    const int l = largeur < s.largeur ? largeur : s.largeur;
-    const int h = hauteur < s.hauteur ? hauteur : s.hauteur;
-    if (!s.pixels || s.bits != 24 || l <= 0 || h <= 0) return 0;
-    FILE* f = OuvreFichier(chemin, "wb");
+int EcritImageSure(const char* chemin, EcrivainImage ecrit, const Image& image, int largeur, int hauteur) {
+    const int l = largeur < image.largeur ? largeur : image.largeur;
+    const int h = hauteur < image.hauteur ? hauteur : image.hauteur;
+    if (!image.pixels || image.bits != 24 || l <= 0 || h <= 0) return 0;
+    EcritureSure ecriture;
+    FILE* f = CommenceEcritureSure(ecriture, chemin);
     if (!f) return 0;
+    if (!ecrit(f, image, l, h)) {
+        AbandonneEcritureSure(ecriture);
+        return 0;
+    }
+    return TermineEcritureSure(ecriture);
+}
+
+int EcritBmp(const char* chemin, const Image& image, int largeur, int hauteur) {
+    return EcritImageSure(chemin, EcritBmpFlux, image, largeur, hauteur);
+}
+
+int EcritBmpFlux(FILE* f, const Image& s, int l, int h) {
     const uint32_t pas = ((uint32_t)l * 3 + 3) / 4 * 4;
     uint8_t entete[54] = {'B', 'M'};
     E32(entete + 2, 54 + pas * (uint32_t)h);
@@ -288,6 +303,5 @@ int EcritBmp(const char* chemin, const Image& s, int largeur, int hauteur) {
         bon = fwrite(ligne, 1, (size_t)l * 3, f) == (size_t)l * 3 &&
               fwrite(zeros, 1, pas - (uint32_t)l * 3, f) == pas - (uint32_t)l * 3;
     }
-    if (fclose(f) != 0) bon = false;
     return bon ? 1 : 0;
 }

@@ -47,14 +47,12 @@ void LigneRgb(const Image& image, int y, int largeur, uint8_t* rgb) {
     const uint8_t* s = Pixel(image, 0, y);
     for (int x = 0; x < largeur; ++x, s += 3, rgb += 3) PoseRgb(rgb, s[0], s[1], s[2]);
 }
-// A file descriptor of its own for the libraries that close what they write
-// to, opened by the same path rules as every other file.
-int OuvreDescripteur(const char* chemin) {
-    FILE* f = OuvreFichier(chemin, "wb");
-    if (!f) return -1;
-    const int fd = dup(fileno(f));
-    fclose(f);
-    return fd;
+// A file descriptor of its own on the stream's file, for the libraries that
+// write to descriptors and close them. A stream with no descriptor (a
+// test's failing stream) gives -1.
+int Descripteur(FILE* f) {
+    const int n = fileno(f);
+    return n >= 0 ? dup(n) : -1;
 }
 
 #if defined(TESS_PNG) || defined(TESS_GIF) || defined(TESS_TIFF)
@@ -152,10 +150,9 @@ struct ContextePngEcrit {
     uint8_t* ligne = nullptr;
 };
 
-int EcritPng(const char* chemin, const Image& image, int l, int h) {
+int EcritPng(FILE* f, const Image& image, int l, int h) {
     ContextePngEcrit c;
-    c.f = OuvreFichier(chemin, "wb");
-    if (!c.f) return 0;
+    c.f = f;
     c.png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, PngErreur, PngAvertissement);
     c.info = c.png ? png_create_info_struct(c.png) : nullptr;
     c.ligne = (uint8_t*)malloc((size_t)l * 3);
@@ -174,7 +171,6 @@ int EcritPng(const char* chemin, const Image& image, int l, int h) {
     }
     if (c.png) png_destroy_write_struct(&c.png, c.info ? &c.info : nullptr);
     free(c.ligne);
-    if (fclose(c.f) != 0) bon = 0;
     return bon;
 }
 #endif
@@ -249,10 +245,9 @@ struct ContexteJpegEcrit {
     uint8_t* ligne = nullptr;
 };
 
-int EcritJpeg(const char* chemin, const Image& image, int l, int h) {
+int EcritJpeg(FILE* f, const Image& image, int l, int h) {
     ContexteJpegEcrit c{};
-    c.f = OuvreFichier(chemin, "wb");
-    if (!c.f) return 0;
+    c.f = f;
     c.info.err = jpeg_std_error(&c.erreur.base);
     c.erreur.base.error_exit = JpegSortie;
     c.erreur.base.output_message = JpegMessage;
@@ -278,7 +273,6 @@ int EcritJpeg(const char* chemin, const Image& image, int l, int h) {
     }
     jpeg_destroy_compress(&c.info);
     free(c.ligne);
-    if (fclose(c.f) != 0) bon = 0;
     return bon;
 }
 #endif
@@ -365,7 +359,7 @@ int LitGif(const uint8_t* donnees, size_t taille, Image& image, const uint8_t tr
     return bon;
 }
 
-int EcritGif(const char* chemin, const Image& image, int l, int h) {
+int EcritGif(FILE* f, const Image& image, int l, int h) {
     // Exact colours when there are at most 256 of them, else a 6 x 7 x 6 cube.
     GifColorType table[256] = {};
     int nombre = 0;
@@ -401,7 +395,7 @@ int EcritGif(const char* chemin, const Image& image, int l, int h) {
     int taillePalette = 2;
     while (taillePalette < nombre) taillePalette *= 2;
     int erreur = 0, bon = 0;
-    const int fd = OuvreDescripteur(chemin);
+    const int fd = Descripteur(f);
     GifFileType* gif = fd >= 0 ? EGifOpenFileHandle(fd, &erreur) : nullptr;
     if (!gif && fd >= 0) close(fd);
     ColorMapObject* carte = GifMakeMapObject(taillePalette, table);
@@ -472,9 +466,9 @@ int LitTiff(const uint8_t* donnees, size_t taille, Image& image, const uint8_t t
     return bon;
 }
 
-int EcritTiff(const char* chemin, const Image& image, int l, int h) {
+int EcritTiff(FILE* f, const Image& image, int l, int h) {
     TiffSilence();
-    const int fd = OuvreDescripteur(chemin);
+    const int fd = Descripteur(f);
     if (fd < 0) return 0;
     TIFF* tif = TIFFFdOpen(fd, "image", "w");
     if (!tif) {
@@ -538,21 +532,20 @@ int LitImageMemoire(const uint8_t* d, size_t n, Image& image, int& bitsFichier, 
 }
 
 int EcritImageType(const char* chemin, const char* mime, const Image& image, int largeur, int hauteur) {
-    const int l = largeur < image.largeur ? largeur : image.largeur;
-    const int h = hauteur < image.hauteur ? hauteur : image.hauteur;
-    if (!image.pixels || image.bits != 24 || l <= 0 || h <= 0 || !mime) return 0;
-    if (strcmp(mime, "image/bmp") == 0) return EcritBmp(chemin, image, l, h);
+    if (!mime) return 0;
+    EcrivainImage ecrit = nullptr;
+    if (strcmp(mime, "image/bmp") == 0) ecrit = EcritBmpFlux;
 #ifdef TESS_PNG
-    if (strcmp(mime, "image/png") == 0) return EcritPng(chemin, image, l, h);
+    if (strcmp(mime, "image/png") == 0) ecrit = EcritPng;
 #endif
 #ifdef TESS_JPEG
-    if (strcmp(mime, "image/jpeg") == 0) return EcritJpeg(chemin, image, l, h);
+    if (strcmp(mime, "image/jpeg") == 0) ecrit = EcritJpeg;
 #endif
 #ifdef TESS_GIF
-    if (strcmp(mime, "image/gif") == 0) return EcritGif(chemin, image, l, h);
+    if (strcmp(mime, "image/gif") == 0) ecrit = EcritGif;
 #endif
 #ifdef TESS_TIFF
-    if (strcmp(mime, "image/tiff") == 0) return EcritTiff(chemin, image, l, h);
+    if (strcmp(mime, "image/tiff") == 0) ecrit = EcritTiff;
 #endif
-    return 0;
+    return ecrit ? EcritImageSure(chemin, ecrit, image, largeur, hauteur) : 0;
 }

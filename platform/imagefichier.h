@@ -8,12 +8,17 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 
 // No picture the system reads may be larger than this, whatever it declares.
 constexpr int COTE_IMAGE_MAX = 32768;
 constexpr int64_t PIXELS_IMAGE_MAX = int64_t(1) << 25;
 // Nor a picture file larger than this.
 constexpr size_t TAILLE_FICHIER_IMAGE_MAX = size_t(256) << 20;
+
+// The pixel bound in force: PIXELS_IMAGE_MAX, which only the fuzz targets
+// lower (so that a few header bytes cannot make every input a large picture).
+extern int64_t PixelsImageMax;
 
 // True when the sizes may be allocated.
 bool TailleImageAdmise(int64_t largeur, int64_t hauteur);
@@ -30,6 +35,15 @@ int LitBmp(const uint8_t* donnees, size_t taille, Image& image, int& bitsFichier
 // Writes the top largeur x hauteur pixels of a bottom-up 24-bit picture as a
 // 24-bit BMP. Gives 1 on success.
 int EcritBmp(const char* chemin, const Image& image, int largeur, int hauteur);
+
+// An encoder: l x h pixels (already cut to the picture) to a stream, which it
+// leaves open. Gives 1 on success.
+using EcrivainImage = int (*)(FILE* f, const Image& image, int l, int h);
+int EcritBmpFlux(FILE* f, const Image& image, int l, int h);
+// Every picture file is written whole or not at all: through a temporary
+// file that replaces the target once the encoder succeeded, so a failed or
+// cut-off write leaves the old file as it was. Gives 1 on success.
+int EcritImageSure(const char* chemin, EcrivainImage ecrit, const Image& image, int largeur, int hauteur);
 
 // ---- Image libraries (PNG, JPEG, GIF, TIFF) --------------------------------------
 

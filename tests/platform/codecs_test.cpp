@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
+#include <filesystem>
 #include <random>
 
 namespace {
@@ -120,6 +121,28 @@ TEST(Codecs, AllerRetourParType) {
     EXPECT_EQ(EcritImageType(dossier.Dans("x").c_str(), "image/webp", image.image, 2, 2), 0);
     EXPECT_FALSE(FichierExiste(dossier.Dans("x").c_str()));
     EXPECT_EQ(EcritImageType(dossier.Dans("absent/x").c_str(), "image/png", image.image, 2, 2), 0);
+}
+
+// A picture file is replaced only once it is whole: a disk that fills up
+// midway, with every encoder, leaves the old file and nothing else.
+TEST(Codecs, EcritureCoupeeGardeLAncienFichier) {
+    DossierTemporaire dossier;
+    const std::string chemin = dossier.Dans("image");
+    ImageLocale image(40, 30);
+    for (int i = 0; i < 40 * 30; ++i) image.Pose(i % 40, i / 40, (uint32_t)i * 2654435761u >> 8);
+    for (const char* mime : {"image/bmp", "image/png", "image/jpeg", "image/gif", "image/tiff"}) {
+        EcritFichier(chemin, "ancien");
+        OctetsAvantEchecEcriture = 60;
+        EXPECT_EQ(EcritImageType(chemin.c_str(), mime, image.image, 40, 30), 0) << mime;
+        OctetsAvantEchecEcriture = -1;
+        EXPECT_EQ(LitFichier(chemin), "ancien") << mime;
+        size_t fichiers = 0;
+        for (const auto& e : std::filesystem::directory_iterator(dossier.chemin)) fichiers += e.is_regular_file();
+        EXPECT_EQ(fichiers, 1u) << mime;
+        // With room enough, the same call replaces it.
+        ASSERT_EQ(EcritImageType(chemin.c_str(), mime, image.image, 40, 30), 1) << mime;
+        EXPECT_GT(LitFichier(chemin).size(), 60u) << mime;
+    }
 }
 
 TEST(Codecs, VariantesPng) {
