@@ -85,13 +85,15 @@ struct Espace {
     std::vector<int32_t> distance = std::vector<int32_t>(CODES);
     std::vector<int16_t> vus = std::vector<int16_t>(CODES);
     uint8_t racine[DISTANCE_MAX + 1];
-    // Every blue and green offset within the threshold, with the red half-width
-    // left at that offset; made again when the threshold changes.
-    struct Rangee {
-        int8_t db, dg, dr;
-    };
-    std::vector<Rangee> profil;
+    // The red half-width at every blue and green offset within the threshold,
+    // blue by blue: the offsets of blue db hold green -rayonVert..rayonVert
+    // from premier. Made again when the threshold changes.
+    std::vector<int8_t> profil;
+    int premier[63] = {}, rayonVert[63] = {};
+    int rayonBleu = 0;
     int seuilProfil = -1;
+    // The reds start - halfWidth .. start + halfWidth, cut to 0..31.
+    uint32_t masques[32][32];
     // Whether some offset of three components lies exactly at this distance:
     // when none does, the threshold below it covers the same colours.
     bool distanceAtteinte[DISTANCE_MAX + 1] = {};
@@ -104,6 +106,11 @@ struct Espace {
         for (int a = 0; a <= 31; ++a)
             for (int b = a; b <= 31; ++b)
                 for (int c = b; c <= 31; ++c) distanceAtteinte[a * a + b * b + c * c] = true;
+        for (int r = 0; r < 32; ++r)
+            for (int dr = 0; dr < 32; ++dr) {
+                const int debut = r - dr < 0 ? 0 : r - dr, fin = r + dr > 31 ? 31 : r + dr;
+                masques[r][dr] = (fin == 31 ? ~0u : (2u << fin) - 1) & ~((1u << debut) - 1);
+            }
     }
 
     void Profil(int seuil) {
@@ -111,13 +118,15 @@ struct Espace {
         if (s == seuilProfil) return;
         seuilProfil = s;
         profil.clear();
-        const int rb = racine[s] < 31 ? racine[s] : 31;
-        for (int db = -rb; db <= rb; ++db) {
+        rayonBleu = racine[s] < 31 ? racine[s] : 31;
+        for (int db = -rayonBleu; db <= rayonBleu; ++db) {
             const int reste = s - db * db;
             const int rg = racine[reste] < 31 ? racine[reste] : 31;
+            premier[db + 31] = (int)profil.size();
+            rayonVert[db + 31] = rg;
             for (int dg = -rg; dg <= rg; ++dg) {
                 const int rr = racine[reste - dg * dg];
-                profil.push_back({(int8_t)db, (int8_t)dg, (int8_t)(rr < 31 ? rr : 31)});
+                profil.push_back((int8_t)(rr < 31 ? rr : 31));
             }
         }
     }
@@ -125,14 +134,17 @@ struct Espace {
     void Efface() { memset(couvert, 0, sizeof couvert); }
     bool Couvert(uint16_t c) const { return couvert[c >> 5] >> (c & 31) & 1; }
 
-    // Marks every colour within the threshold of the profile around (r, g, b).
+    // Marks every colour within the threshold of the profile around (r, g, b):
+    // only the offsets that stay inside the cube are walked.
     void Marque(int r, int g, int b) {
-        for (const Rangee& p : profil) {
-            const int bb = b + p.db, gg = g + p.dg;
-            if ((unsigned)bb > 31 || (unsigned)gg > 31) continue;
-            const int debut = r - p.dr < 0 ? 0 : r - p.dr, fin = r + p.dr > 31 ? 31 : r + p.dr;
-            const uint32_t masque = (fin == 31 ? ~0u : (2u << fin) - 1) & ~((1u << debut) - 1);
-            couvert[bb << 5 | gg] |= masque;
+        const uint32_t* masque = masques[r];
+        const int dbBas = -rayonBleu > -b ? -rayonBleu : -b, dbHaut = rayonBleu < 31 - b ? rayonBleu : 31 - b;
+        for (int db = dbBas; db <= dbHaut; ++db) {
+            const int rg = rayonVert[db + 31];
+            const int8_t* centre = profil.data() + premier[db + 31] + rg;
+            const int dgBas = -rg > -g ? -rg : -g, dgHaut = rg < 31 - g ? rg : 31 - g;
+            uint32_t* rangee = couvert + ((b + db) << 5) + g;
+            for (int dg = dgBas; dg <= dgHaut; ++dg) rangee[dg] |= masque[centre[dg]];
         }
     }
 };
