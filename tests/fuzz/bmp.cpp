@@ -1,7 +1,13 @@
 // The BMP reader on the input as a whole file in memory.
 #include "platform/imagefichier.h"
+#include "tests/fuzz/commun.h"
 
 #include <cstdlib>
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    PixelsImageMax = PIXELS_FUZZ;
+    return 0;
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* donnees, size_t taille) {
     Image image;

@@ -36,6 +36,8 @@
 #include <dirent.h>
 #include <filesystem>
 #include <map>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -61,7 +63,23 @@ const Plateforme PlateformeMuette = {BoiteMuette, RienAttente, DialogueAnnule, A
 
 std::string Dossier;
 constexpr int COTE_SURFACE = 64;
-std::map<std::string, std::string> Gardes;
+
+// A kept file, and what stat said of it when it was last written: a file
+// that still looks the same is not written again. Its time is set far in
+// the past, so that a write in place shows even within one clock tick.
+struct Garde {
+    std::string contenu;
+    struct stat etat;
+};
+std::map<std::string, Garde> Gardes;
+
+bool MemeEtat(const struct stat& a, const struct stat& b) {
+    return a.st_ino == b.st_ino && a.st_size == b.st_size && a.st_mtim.tv_sec == b.st_mtim.tv_sec &&
+           a.st_mtim.tv_nsec == b.st_mtim.tv_nsec && a.st_mode == b.st_mode;
+}
+
+// The colour tables as start-up builds them (rebuilding means pow calls).
+uint8_t TablesDefaut[3][256];
 
 void EffaceDossier() {
     if (Dossier.empty()) return;
@@ -126,6 +144,7 @@ void ArgumentsComplets(int* argc, char*** argv) {
 void PrepareCible(const char* nom, int* argc, char*** argv) {
     if (argc && argv) ArgumentsComplets(argc, argv);
     PlateformeCourante = PlateformeMuette;
+    PixelsImageMax = PIXELS_FUZZ;
     std::error_code ec;
     std::filesystem::path base = "/dev/shm";
     if (!std::filesystem::is_directory(base, ec)) base = std::filesystem::temp_directory_path();
@@ -152,6 +171,9 @@ void PrepareCible(const char* nom, int* argc, char*** argv) {
     InitialiseModeles();
     InitialiseFormats();
     ConstruitTablesCouleur();
+    memcpy(TablesDefaut[0], TableRouge, 256);
+    memcpy(TablesDefaut[1], TableVerte, 256);
+    memcpy(TablesDefaut[2], TableBleue, 256);
     SauveVariables();
     ReinitialiseEtat();
 }
@@ -167,7 +189,9 @@ void ReinitialiseEtat(bool formats) {
     NbElements = 0;
     EditeurOuvert = false;
     ReinitialiseReglages();
-    ConstruitTablesCouleur();
+    memcpy(TableRouge, TablesDefaut[0], 256);
+    memcpy(TableVerte, TablesDefaut[1], 256);
+    memcpy(TableBleue, TablesDefaut[2], 256);
     InitialiseModeles();
     if (formats) {
         // The pools outlive a run of the program, not an input here.
@@ -217,7 +241,21 @@ void ReinitialiseEtat(bool formats) {
     CheminCarteChargee[0] = 0;
 }
 
-void GardeFichier(const std::string& nom) { Gardes[nom] = LitFichier(nom); }
+namespace {
+
+void NoteEtat(const std::string& nom, Garde& g) {
+    static const struct timespec ancien[2] = {{1, 0}, {1, 0}};
+    if (utimensat(AT_FDCWD, nom.c_str(), ancien, 0) != 0 || stat(nom.c_str(), &g.etat) != 0)
+        memset(&g.etat, 0, sizeof g.etat);
+}
+
+} // namespace
+
+void GardeFichier(const std::string& nom) {
+    Garde& g = Gardes[nom];
+    g.contenu = LitFichier(nom);
+    NoteEtat(nom, g);
+}
 
 void RemetFichiers() {
     if (DIR* d = opendir(".")) {
@@ -229,7 +267,15 @@ void RemetFichiers() {
         }
         closedir(d);
     }
-    for (const auto& [nom, contenu] : Gardes) EcritFichier(nom, contenu);
+    for (auto& [nom, g] : Gardes) {
+        struct stat etat;
+        if (stat(nom.c_str(), &etat) == 0 && MemeEtat(etat, g.etat)) continue;
+        // Rewritten, renamed over or removed: written again from scratch.
+        std::error_code ec;
+        std::filesystem::remove_all(nom, ec);
+        EcritFichier(nom, g.contenu);
+        NoteEtat(nom, g);
+    }
 }
 
 void EcritFichier(const std::string& nom, const void* donnees, size_t taille) {

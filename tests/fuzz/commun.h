@@ -7,13 +7,19 @@
 #include <cstdint>
 #include <string>
 
-// Once, from LLVMFuzzerInitialize: the quiet platform (boxes answered with
-// their first button, nothing printed, no command started, dialogs
-// cancelled), a scratch folder of that name made the working directory and
-// removed at exit, the hooks of start-up, the preview surface, the template
-// variables saved as start-up leaves them. With libFuzzer's arguments, the
-// paths among them are made full first (they are read after the folder
-// changes), and crash files go to where the target was started.
+// Pictures here may hold at most this many pixels (256 x 256): every bound
+// check still runs, but a header of a few bytes no longer turns most inputs
+// into a decode of millions of pixels.
+constexpr int64_t PIXELS_FUZZ = int64_t(1) << 16;
+
+// Once, from LLVMFuzzerInitialize: the pixel bound lowered to PIXELS_FUZZ,
+// the quiet platform (boxes answered with their first button, nothing
+// printed, no command started, dialogs cancelled), a scratch folder of that
+// name made the working directory and removed at exit, the hooks of
+// start-up, the preview surface, the template variables saved as start-up
+// leaves them. With libFuzzer's arguments, the paths among them are made
+// full first (they are read after the folder changes), and crash files go
+// to where the target was started.
 void PrepareCible(const char* nom, int* argc = nullptr, char*** argv = nullptr);
 
 // Puts back every global a target may have touched: element table, settings
