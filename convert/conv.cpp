@@ -327,7 +327,7 @@ void Execute(EtatConv& e) {
             MessageDebug("Error on tileset dimensions (must be multiple of 8 and less than 128)");
             return;
         }
-        if (SurfaceApercu.pixels) memset(SurfaceApercu.pixels, 0, (size_t)SurfaceApercu.pas * SurfaceApercu.hauteur);
+        EffaceImage(SurfaceApercu);
         Ligne(lignes[0], TYPE_MOSAIQUE, c.mosaiqueExistante >= 0 ? Elements[c.mosaiqueExistante].fichier : e.dst, e.src);
         if (!ChargeImage(e.src, sizex, sizey, true)) return;
         Ligne(lignes[1], TYPE_PALETTE, c.paletteExistante >= 0 ? Elements[c.paletteExistante].fichier : e.pal, e.src);

@@ -56,6 +56,15 @@ int ChargeImage(const char* chemin, int& largeur, int& hauteur, bool garder) {
         LibereImageGardee();
         ImageGardee = lue;
         BitsImageGardee = bits;
+    } else if (lue.bits == 24 && l % 4 == 0 && lue.largeur == l && lue.pas == l * 3) {
+        // Decoded with the very layout the surface would get for this size
+        // (rows of a whole number of 4-pixel groups): it becomes the surface,
+        // with no second copy.
+        LibereImage(SurfaceApercu);
+        SurfaceApercu = lue;
+        LargeurApercu = l;
+        HauteurApercu = h;
+        ChoisitCadre(0, 0, l, h);
     } else {
         if (!DimensionneApercu(l, h, true)) {
             LibereImage(lue);

@@ -3,6 +3,7 @@
 #include "platform/plateforme.h"
 
 #include <cstdlib>
+#include <cstring>
 
 namespace {
 // No surface of the system comes near this; a larger request is refused
@@ -29,6 +30,21 @@ int CreeImage(Image& image, int cx, int cy, int ibitcount) {
     image.pas = (int)pas;
     image.pixels = pixels;
     return 1;
+}
+
+void EffaceImage(Image& image) {
+    if (!image.pixels) return;
+    const size_t taille = (size_t)image.pas * (size_t)image.hauteur;
+    if (taille >= ((size_t)1 << 20)) {
+        Image neuve;
+        if (CreeImage(neuve, image.largeur, image.hauteur, image.bits) && neuve.pas == image.pas) {
+            LibereImage(image);
+            image = neuve;
+            return;
+        }
+        LibereImage(neuve);
+    }
+    memset(image.pixels, 0, taille);
 }
 
 void LibereImage(Image& image) {

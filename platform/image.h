@@ -21,3 +21,7 @@ int PasImage(int largeur, int bits);
 // arguments or not enough memory), and then image is empty.
 int CreeImage(Image& image, int cx, int cy, int ibitcount);
 void LibereImage(Image& image);
+// Sets every byte of a picture to 0. A large one takes fresh zeroed memory of
+// the same shape instead, so that pages nothing draws on afterwards are never
+// touched.
+void EffaceImage(Image& image);

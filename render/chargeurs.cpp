@@ -69,9 +69,7 @@ bool OuvreCarteOuListe(int element, TamponLecture& t) {
     return true;
 }
 
-void EffaceApercu() {
-    if (SurfaceApercu.pixels) memset(SurfaceApercu.pixels, 0, (size_t)SurfaceApercu.pas * SurfaceApercu.hauteur);
-}
+void EffaceApercu() { EffaceImage(SurfaceApercu); }
 
 // A pixel of a preview, clipped by the frame as a single pixel.
 void PoseApercu(int x, int ligne, uint8_t b, uint8_t g, uint8_t r) {
