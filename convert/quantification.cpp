@@ -52,19 +52,26 @@ void PrepareSource(Source& s, int largeur, int hauteur) {
     const int xFin = c.xLimite < image.largeur ? c.xLimite : image.largeur;
     const int yFin = c.yLimite < image.hauteur ? c.yLimite : image.hauteur;
     std::vector<uint8_t> vu(CODES, 0);
+    // The mask as the three bytes of a pixel (blue, green, red), and the
+    // columns inside both the area and the picture, worked out once.
+    const uint8_t* m = ReglagesConv.masque;
+    const uint32_t masque = (uint32_t)m[2] | (uint32_t)m[1] << 8 | (uint32_t)m[0] << 16;
+    const int xDebut = c.xOrigine < 0 ? -c.xOrigine : 0;
+    const int xFinArea = xFin - c.xOrigine < s.largeur ? xFin - c.xOrigine : s.largeur;
+    uint8_t rouges[256], verts[256], bleus[256];
+    memcpy(rouges, TableRouge, 256);
+    memcpy(verts, TableVerte, 256);
+    memcpy(bleus, TableBleue, 256);
+    if (xDebut >= xFinArea) return; // no column of the area lies on the picture
     for (int y = 0; y < s.hauteur; ++y) {
         const int Y = c.yOrigine + y;
         if (Y < 0) continue;
         if (Y >= yFin) break;
-        const uint8_t* ligne = image.pixels + (size_t)(image.hauteur - 1 - Y) * image.pas;
+        const uint8_t* p = image.pixels + (size_t)(image.hauteur - 1 - Y) * image.pas + 3 * (ptrdiff_t)(c.xOrigine + xDebut);
         uint16_t* sortie = s.codes.data() + (size_t)y * s.largeur;
-        for (int x = 0; x < s.largeur; ++x) {
-            const int X = c.xOrigine + x;
-            if (X < 0) continue;
-            if (X >= xFin) break;
-            const uint8_t* p = ligne + 3 * X;
-            if (EstMasque(p[2], p[1], p[0])) continue;
-            const uint16_t code = (uint16_t)(TableRouge[p[2]] | TableVerte[p[1]] << 5 | TableBleue[p[0]] << 10);
+        for (int x = xDebut; x < xFinArea; ++x, p += 3) {
+            if (((uint32_t)p[0] | (uint32_t)p[1] << 8 | (uint32_t)p[2] << 16) == masque) continue;
+            const uint16_t code = (uint16_t)(rouges[p[2]] | verts[p[1]] << 5 | bleus[p[0]] << 10);
             sortie[x] = code;
             if (!vu[code]) {
                 vu[code] = 1;
@@ -94,18 +101,26 @@ struct Espace {
     int seuilProfil = -1;
     // The reds start - halfWidth .. start + halfWidth, cut to 0..31.
     uint32_t masques[32][32];
-    // Whether some offset of three components lies exactly at this distance:
-    // when none does, the threshold below it covers the same colours.
-    bool distanceAtteinte[DISTANCE_MAX + 1] = {};
+    // The colours of the picture, one bit each, as couvert.
+    uint32_t presentes[CODES / 32] = {};
+    size_t nbPresentes = 0;
+    // The triples the last count marked, as colour codes; not valid when that
+    // count went through a pass (a threshold below 0, a triple beyond 5 bits).
+    uint16_t triples[TRIPLES_REDUCTION];
+    int nbTriples = 0;
+    bool triplesValides = false;
+    // The offsets at exactly one distance, made again when it changes.
+    struct Decalage {
+        int8_t db, dg, dr;
+    };
+    std::vector<Decalage> coquille;
+    int distanceCoquille = -1;
 
     Espace() {
         for (int i = 0, r = 0; i <= DISTANCE_MAX; ++i) {
             while ((r + 1) * (r + 1) <= i) ++r;
             racine[i] = (uint8_t)r;
         }
-        for (int a = 0; a <= 31; ++a)
-            for (int b = a; b <= 31; ++b)
-                for (int c = b; c <= 31; ++c) distanceAtteinte[a * a + b * b + c * c] = true;
         for (int r = 0; r < 32; ++r)
             for (int dr = 0; dr < 32; ++dr) {
                 const int debut = r - dr < 0 ? 0 : r - dr, fin = r + dr > 31 ? 31 : r + dr;
@@ -129,6 +144,43 @@ struct Espace {
                 profil.push_back((int8_t)(rr < 31 ? rr : 31));
             }
         }
+    }
+
+    void Presentes(const Source& s) {
+        for (const uint16_t c : s.distinctes) presentes[c >> 5] |= 1u << (c & 31);
+        nbPresentes = s.distinctes.size();
+    }
+
+    // True when the count one below distance gives what the last count (at
+    // distance) gave: no colour of the picture lies at exactly that distance
+    // from a triple it marked, so every colour is covered or not alike and
+    // the same triples are added. False when that is not known cheaply.
+    bool MemeEnDessous(int distance) {
+        if (!triplesValides) return false;
+        if (distance != distanceCoquille) {
+            distanceCoquille = distance;
+            coquille.clear();
+            const int rb = racine[distance < DISTANCE_MAX ? distance : DISTANCE_MAX];
+            for (int db = -rb; db <= rb && distance <= DISTANCE_MAX; ++db)
+                for (int dg = -31; dg <= 31; ++dg) {
+                    const int reste = distance - db * db - dg * dg;
+                    if (reste < 0 || reste > 31 * 31 || racine[reste] * racine[reste] != reste) continue;
+                    const int dr = racine[reste];
+                    coquille.push_back({(int8_t)db, (int8_t)dg, (int8_t)dr});
+                    if (dr) coquille.push_back({(int8_t)db, (int8_t)dg, (int8_t)-dr});
+                }
+        }
+        // Walking every shell must stay cheaper than counting again.
+        if ((size_t)nbTriples * coquille.size() > nbPresentes) return false;
+        for (int t = 0; t < nbTriples; ++t) {
+            const int r = Rouge(triples[t]), g = Vert(triples[t]), b = Bleu(triples[t]);
+            for (const Decalage& d : coquille) {
+                const int rr = r + d.dr, gg = g + d.dg, bb = b + d.db;
+                if ((unsigned)rr > 31 || (unsigned)gg > 31 || (unsigned)bb > 31) continue;
+                if (presentes[bb << 5 | gg] >> rr & 1) return false;
+            }
+        }
+        return true;
     }
 
     void Efface() { memset(couvert, 0, sizeof couvert); }
@@ -225,6 +277,7 @@ int Compte(Espace& e, const Source& s, const uint8_t* palette, int seuil, int fi
     bool horsGamme = false; // a triple beyond 5 bits has no place in the covered set
     for (int t = Borne(debut, 0, TRIPLES_REDUCTION); t < Borne(fixes, 0, TRIPLES_REDUCTION); ++t)
         horsGamme = horsGamme || palette[3 * t] > 31 || palette[3 * t + 1] > 31 || palette[3 * t + 2] > 31;
+    e.triplesValides = false;
     if (seuil < 0 || horsGamme) {
         uint8_t copie[TAILLE_PALETTE_REDUCTION];
         memcpy(copie, palette, sizeof copie);
@@ -235,14 +288,20 @@ int Compte(Espace& e, const Source& s, const uint8_t* palette, int seuil, int fi
     const int limite = maxi < TRIPLES_REDUCTION ? maxi : TRIPLES_REDUCTION;
     e.Profil(seuil);
     e.Efface();
-    for (int t = debut; t < fixes; ++t) e.Marque(palette[3 * t + 2], palette[3 * t + 1], palette[3 * t]);
+    e.nbTriples = 0;
+    for (int t = debut; t < fixes; ++t) {
+        e.Marque(palette[3 * t + 2], palette[3 * t + 1], palette[3 * t]);
+        e.triples[e.nbTriples++] = (uint16_t)(palette[3 * t + 2] | palette[3 * t + 1] << 5 | palette[3 * t] << 10);
+    }
     int n = fixes;
     for (const uint16_t c : s.distinctes) {
         if (e.Couvert(c)) continue;
         if (n >= limite) return -1;
         ++n;
         e.Marque(Rouge(c), Vert(c), Bleu(c));
+        e.triples[e.nbTriples++] = c;
     }
+    e.triplesValides = true;
     return ReglagesConv.utilMaxCoul ? limite : n;
 }
 
@@ -266,6 +325,7 @@ int ReductionNormaleCherchee(uint32_t* indices, uint8_t* palette, int hauteur, i
     Source s;
     PrepareSource(s, largeur, hauteur);
     Espace e;
+    e.Presentes(s);
     if (Compte(e, s, palette, 0, fixes, debut, maxi) != -1)
         return Passe(e, s, indices, palette, 0, fixes, debut, maxi, transparent);
 
@@ -298,8 +358,7 @@ int ReductionNormaleCherchee(uint32_t* indices, uint8_t* palette, int hauteur, i
         }
         int precedent = -2; // the count at t + 1
         for (; t >= 0; --t) {
-            // With no offset exactly at t + 1, t covers what t + 1 did.
-            const bool meme = precedent != -2 && t + 1 <= DISTANCE_MAX && !e.distanceAtteinte[t + 1];
+            const bool meme = precedent != -2 && e.MemeEnDessous(t + 1);
             const int r = meme ? precedent : Compte(e, s, palette, t, fixes, debut, maxi);
             precedent = r;
             if (r == -1) break;

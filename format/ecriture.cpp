@@ -260,20 +260,63 @@ class Redacteur {
             ValeurLongue(f, valeur);
             return;
         }
-        if (n + f.longueurMax > sizeof tampon) Vide();
+        const size_t place = f.longueurMax > sizeof(FormatValeur::Forme::octets) ? f.longueurMax
+                                                                                 : sizeof(FormatValeur::Forme::octets);
+        if (n + place > sizeof tampon) Vide();
         // Written through a local pointer: stores to the buffer could
         // otherwise alias the counters.
         char* t = tampon + n;
         if (valeur < FormatValeur::VALEURS_MEMOIRE && !f.memoire.empty()) {
             FormatValeur::Forme& forme = f.memoire[valeur];
             if (!forme.longueur) forme.longueur = (uint8_t)(Formate(f, valeur, forme.octets) - forme.octets + 1);
-            memcpy(t, forme.octets, forme.longueur - 1u);
+            // With nothing gathered past the place, the whole form is copied
+            // at a fixed size (no call); the bytes past the value are not
+            // counted and are written over next.
+            if (haut == n) memcpy(t, forme.octets, sizeof forme.octets);
+            else memcpy(t, forme.octets, forme.longueur - 1u);
             t += forme.longueur - 1;
         } else {
             t = Formate(f, valeur, t);
         }
         n = (size_t)(t - tampon);
         Marque();
+    }
+
+    // Values one after another with no template between them: as Valeur
+    // each, with the place kept in registers while the forms are copied.
+    void Suite(const FormatValeur& f, const uint32_t* valeurs, size_t nombre) {
+        if (f.memoire.empty() || f.longueurMax > sizeof tampon / 2) {
+            for (size_t i = 0; i < nombre; ++i) Valeur(f, valeurs[i]);
+            return;
+        }
+        const size_t place = f.longueurMax > sizeof(FormatValeur::Forme::octets) ? f.longueurMax
+                                                                                 : sizeof(FormatValeur::Forme::octets);
+        FormatValeur::Forme* const memoire = f.memoire.data();
+        char* const base = tampon;
+        size_t ici = n, fin = haut;
+        for (size_t i = 0; i < nombre; ++i) {
+            if (ici + place > sizeof tampon) {
+                n = ici;
+                haut = fin;
+                Vide();
+                ici = n;
+                fin = haut;
+            }
+            const uint32_t valeur = valeurs[i];
+            if (valeur < FormatValeur::VALEURS_MEMOIRE) {
+                FormatValeur::Forme& forme = memoire[valeur];
+                if (!forme.longueur) forme.longueur = (uint8_t)(Formate(f, valeur, forme.octets) - forme.octets + 1);
+                const size_t longueur = forme.longueur - 1u;
+                if (fin == ici) memcpy(base + ici, forme.octets, sizeof forme.octets);
+                else memcpy(base + ici, forme.octets, longueur);
+                ici += longueur;
+            } else {
+                ici = (size_t)(Formate(f, valeur, base + ici) - base);
+            }
+            if (ici > fin) fin = ici;
+        }
+        n = ici;
+        haut = fin;
     }
 
     // One value through the format's pieces; gives the end of what it wrote.
@@ -401,10 +444,14 @@ void EcritValeursLignes(FILE* fichier, const SectionFormat& section, const char*
     for (int y = 0; y < hauteur; ++y) {
         if (colonne) c.Remet();
         const uint32_t* rangee = valeurs + (size_t)y * (size_t)largeur;
-        for (int x = 0; x < largeur; ++x) {
+        // Runs of values up to the next every_x, each written in one go.
+        for (int x = 0; x < largeur;) {
             c.Avant(r, section);
-            r.Valeur(f, rangee[x]);
-            c.Avance(1);
+            const int64_t reste = largeur - x;
+            const int suite = (int)(c.n >= 1 && c.n - c.reste < reste ? c.n - c.reste : reste);
+            r.Suite(f, rangee + x, (size_t)suite);
+            c.Avance(suite);
+            x += suite;
         }
         r.Gabarit(section.line);
     }

@@ -344,6 +344,47 @@ TEST_F(Quantification, RechercheEgaleLaMethodeDirecte) {
     EXPECT_LT(refus, 300);
 }
 
+// Pictures of thousands of colours in clusters: the downward search then
+// meets many thresholds whose shells hold colours of the picture and many
+// that hold none, which it may carry over from the threshold above.
+TEST_F(Quantification, RechercheSurDesMilliersDeCouleurs) {
+    std::mt19937 alea(4242);
+    auto de = [&](int n) { return (int)(alea() % (unsigned)n); };
+    ConstruitTablesCouleur();
+    messages = 0;
+    const int maxis[] = {255, 9, 4};
+    int reussites = 0;
+    for (int n = 0; n < 60; ++n) {
+        const int cote = 40 + de(30);
+        std::vector<Rvb> centres((size_t)(2 + de(6)));
+        for (Rvb& c : centres) c = {(uint8_t)de(256), (uint8_t)de(256), (uint8_t)de(256)};
+        const int ecart = 8 + de(60);
+        Rangees rangees((size_t)cote, std::vector<Rvb>((size_t)cote));
+        for (auto& rangee : rangees)
+            for (Rvb& p : rangee) {
+                const Rvb& c = centres[(size_t)de((int)centres.size())];
+                auto bruit = [&](uint8_t v) { return (uint8_t)std::clamp(v + de(2 * ecart + 1) - ecart, 0, 255); };
+                p = de(50) == 0 ? MASQUE : Rvb{bruit(c.r), bruit(c.g), bruit(c.b)};
+            }
+        Apercu(rangees);
+        ReglagesConv.precisionMax = 60 + de(140);
+        const int fixes = de(3), debut = de(2) ? 0 : fixes, maxi = maxis[n % 3];
+        std::vector<uint8_t> palette(TAILLE_PALETTE_REDUCTION, 0);
+        for (int i = 0; i < 3 * fixes; ++i) palette[(size_t)i] = (uint8_t)de(32);
+        SCOPED_TRACE("image " + std::to_string(n) + " precision " + std::to_string(ReglagesConv.precisionMax));
+        Resultat attendu{0, {}, palette};
+        std::vector<std::string> boites;
+        RechercheReference(attendu, cote, cote, fixes, debut, maxi, false, 0, REPONSE_OK, boites);
+        const Resultat r = Cherchee(cote, cote, fixes, debut, maxi, false, palette);
+        ASSERT_EQ(r.valeur, attendu.valeur);
+        if (r.valeur == -1) continue; // what a refused search leaves is not looked at
+        ++reussites;
+        ASSERT_EQ(r.indices, attendu.indices);
+        ASSERT_EQ(r.palette, attendu.palette);
+    }
+    EXPECT_GT(reussites, 12);
+}
+
 TEST_F(Quantification, PasseNormaleCasCalculesALaMain) {
     // Reds of 5 bits 10, 12 on top and 11, 20 below; blue and green 0.
     struct Cas {

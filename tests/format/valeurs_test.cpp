@@ -151,6 +151,23 @@ TEST_F(Valeurs, BouclesRapidesEgalesALaFaconSimple) {
     EXPECT_GT(messagesAttendus, 0); // the bad binary width was met
 }
 
+// Kept forms after a template that took back more bytes than the next value
+// writes: the bytes it does not write over stay.
+TEST_F(Valeurs, FormesGardeesApresUnRetour) {
+    SectionFormat s = FormatCourant.sections[SECTION_MAP];
+    s.every_x = "\b\b\b";
+    s.line = "";
+    s.n_every = 2;
+    std::vector<uint32_t> v(80 * 80);
+    for (size_t i = 0; i < v.size(); ++i) v[i] = (uint32_t)(i * 7 % 23);
+    for (const char* element : {"%x", "%i,", "<%X>"}) {
+        SCOPED_TRACE(element);
+        const std::string rapide = Ecrit([&](FILE* f) { EcritValeursLignes(f, s, element, v.data(), 80, 80, false); });
+        const std::string simple = Ecrit([&](FILE* f) { LignesSimples(f, s, element, v, 80, 80, false); });
+        ASSERT_EQ(rapide, simple);
+    }
+}
+
 // A loop longer than the buffer: the bytes taken back across a flush still
 // come off the file.
 TEST_F(Valeurs, RetourEnArriereAuBordDuTampon) {
