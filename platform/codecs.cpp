@@ -99,7 +99,29 @@ int LitPng(const uint8_t* donnees, size_t taille, Image& image, const uint8_t tr
         png_set_user_limits(c.png, COTE_IMAGE_MAX, COTE_IMAGE_MAX);
         png_read_info(c.png, c.info);
         const png_uint_32 l = png_get_image_width(c.png, c.info), h = png_get_image_height(c.png, c.info);
-        if (TailleImageAdmise(l, h)) {
+        const bool simple = png_get_color_type(c.png, c.info) == PNG_COLOR_TYPE_RGB &&
+                            png_get_bit_depth(c.png, c.info) == 8 && !png_get_valid(c.png, c.info, PNG_INFO_tRNS) &&
+                            png_get_interlace_type(c.png, c.info) == PNG_INTERLACE_NONE;
+        if (TailleImageAdmise(l, h) && simple) {
+            // Eight-bit RGB with no transparency, the common case: rows as
+            // stored, turned to B G R on the way into the picture.
+            png_read_update_info(c.png, c.info);
+            if (png_get_rowbytes(c.png, c.info) == (size_t)l * 3 && CreeImage(image, (int)l, (int)h, 24))
+                c.ligne = (uint8_t*)malloc((size_t)l * 3);
+            if (c.ligne) {
+                for (png_uint_32 y = 0; y < h; ++y) {
+                    png_read_row(c.png, c.ligne, nullptr);
+                    const uint8_t* source = c.ligne;
+                    uint8_t* sortie = Pixel(image, 0, (int)y);
+                    for (png_uint_32 x = 0; x < l; ++x, source += 3, sortie += 3) {
+                        sortie[0] = source[2];
+                        sortie[1] = source[1];
+                        sortie[2] = source[0];
+                    }
+                }
+                bon = 1;
+            }
+        } else if (TailleImageAdmise(l, h)) {
             // Stored values as they are: no gamma, palettes and low depths
             // expanded, 16 bits cut to 8, always four bytes B G R A.
             png_set_expand(c.png);
