@@ -7,7 +7,9 @@
 #include "render/surfaces.h"
 #include "script/interpreteur.h"
 
+#include <atomic>
 #include <cstring>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -305,6 +307,52 @@ int Compte(Espace& e, const Source& s, const uint8_t* palette, int seuil, int fi
     return ReglagesConv.utilMaxCoul ? limite : n;
 }
 
+// The counts of the downward search, comptes[t] for t from haut down to the
+// first threshold that does not fit (-1), which ends it; below that nothing
+// is needed. Thresholds go in blocks of consecutive ones, so that each block
+// can carry counts over from the threshold above; with many colours a second
+// thread takes every other block.
+constexpr int SEUILS_PAR_BLOC = 8;
+constexpr size_t COULEURS_POUR_DEUX = 1024;
+
+void ComptesDescendants(Espace& e, const Source& s, const uint8_t* palette, int haut, int fixes, int debut, int maxi,
+                        std::vector<int>& comptes) {
+    comptes.assign((size_t)haut + 1, -2);
+    std::atomic<int> prochain{haut}; // the top of the next block to take
+    std::atomic<int> arret{-1};      // the highest threshold known not to fit
+    auto travaille = [&](Espace& espace) {
+        for (;;) {
+            const int debutBloc = prochain.fetch_sub(SEUILS_PAR_BLOC);
+            if (debutBloc < 0 || debutBloc <= arret.load()) return;
+            bool suite = false; // espace holds the count of the threshold above
+            for (int t = debutBloc; t > debutBloc - SEUILS_PAR_BLOC && t >= 0; --t) {
+                if (t <= arret.load()) return;
+                const bool meme = suite && espace.MemeEnDessous(t + 1);
+                const int r = meme ? comptes[(size_t)t + 1] : Compte(espace, s, palette, t, fixes, debut, maxi);
+                comptes[(size_t)t] = r;
+                suite = true;
+                if (r == -1) {
+                    int vu = arret.load();
+                    while (vu < t && !arret.compare_exchange_weak(vu, t)) {
+                    }
+                    return;
+                }
+            }
+        }
+    };
+    if (s.distinctes.size() >= COULEURS_POUR_DEUX && haut >= 2 * SEUILS_PAR_BLOC) {
+        std::thread aide([&] {
+            Espace autre;
+            autre.Presentes(s);
+            travaille(autre);
+        });
+        travaille(e);
+        aide.join();
+    } else {
+        travaille(e);
+    }
+}
+
 void MessageCouleursInatteignables() {
     BoiteMessage("Unable to convert the bitmap because the required colors count cannot be reached.", "Oops...",
                  BOITE_OK | ICONE_ARRET);
@@ -356,15 +404,16 @@ int ReductionNormaleCherchee(uint32_t* indices, uint8_t* palette, int hauteur, i
                 t = DISTANCE_MAX - 1;
             }
         }
-        int precedent = -2; // the count at t + 1
-        for (; t >= 0; --t) {
-            const bool meme = precedent != -2 && e.MemeEnDessous(t + 1);
-            const int r = meme ? precedent : Compte(e, s, palette, t, fixes, debut, maxi);
-            precedent = r;
-            if (r == -1) break;
-            if (r > plus) {
-                plus = r;
-                seuil = t;
+        if (t >= 0) {
+            std::vector<int> comptes;
+            ComptesDescendants(e, s, palette, t, fixes, debut, maxi, comptes);
+            for (; t >= 0; --t) {
+                const int r = comptes[(size_t)t];
+                if (r == -1) break;
+                if (r > plus) {
+                    plus = r;
+                    seuil = t;
+                }
             }
         }
     } else {
