@@ -43,7 +43,9 @@ bool FichierExiste(const char* chemin) {
 int CopieFichier(const char* source, const char* cible) {
     FILE* entree = OuvreFichier(source, "rb");
     if (!entree) return 0;
-    FILE* sortie = OuvreFichier(cible, "wb");
+    // Written whole or not at all, as every other file.
+    EcritureSure ecriture;
+    FILE* sortie = CommenceEcritureSure(ecriture, cible);
     if (!sortie) {
         fclose(entree);
         return 0;
@@ -58,8 +60,11 @@ int CopieFichier(const char* source, const char* cible) {
         }
     if (ferror(entree)) bon = false;
     fclose(entree);
-    if (fclose(sortie) != 0) bon = false;
-    return bon ? 1 : 0;
+    if (!bon) {
+        AbandonneEcritureSure(ecriture);
+        return 0;
+    }
+    return TermineEcritureSure(ecriture);
 }
 
 int SupprimeFichier(const char* chemin) {

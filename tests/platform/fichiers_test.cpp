@@ -91,6 +91,15 @@ TEST(Fichiers, EcritureSureRemplaceOuLaisseLAncien) {
     EXPECT_EQ(LitFichier(dossier.Dans("cible.txt")), "ancien contenu");
     EXPECT_EQ(fichiers(), std::vector<std::string>{"cible.txt"});
 
+    // A copy is written the same way: cut short, it leaves the old copy.
+    EcritFichier(dossier.Dans("source.txt"), "une source plus longue que cinq octets");
+    EcritFichier(dossier.Dans("copie.bak"), "ancienne copie");
+    EXPECT_EQ(CopieFichier("source.txt", "copie.bak"), 0);
+    EXPECT_EQ(LitFichier(dossier.Dans("copie.bak")), "ancienne copie");
+    EXPECT_EQ(fichiers(), (std::vector<std::string>{"cible.txt", "copie.bak", "source.txt"}));
+    SupprimeFichier("source.txt");
+    SupprimeFichier("copie.bak");
+
     OctetsAvantEchecEcriture = 100; // room enough, through the same stream
     EXPECT_EQ(ecrit("cible.txt", "nouveau."), 1);
     OctetsAvantEchecEcriture = -1;
