@@ -283,40 +283,45 @@ class Redacteur {
     }
 
     // Values one after another with no template between them: as Valeur
-    // each, with the place kept in registers while the forms are copied.
+    // each. Once nothing gathered lies past the place (no byte taken back
+    // waits to be written over), every kept form is copied whole at a fixed
+    // size with the place in a register: the bytes past the value are not
+    // counted and are written over next.
     void Suite(const FormatValeur& f, const uint32_t* valeurs, size_t nombre) {
+        size_t i = 0;
         if (f.memoire.empty() || f.longueurMax > sizeof tampon / 2) {
-            for (size_t i = 0; i < nombre; ++i) Valeur(f, valeurs[i]);
+            for (; i < nombre; ++i) Valeur(f, valeurs[i]);
             return;
         }
+        for (; i < nombre && haut > n; ++i) Valeur(f, valeurs[i]);
+        if (i == nombre) return;
         const size_t place = f.longueurMax > sizeof(FormatValeur::Forme::octets) ? f.longueurMax
                                                                                  : sizeof(FormatValeur::Forme::octets);
         FormatValeur::Forme* const memoire = f.memoire.data();
         char* const base = tampon;
-        size_t ici = n, fin = haut;
-        for (size_t i = 0; i < nombre; ++i) {
+        size_t ici = n;
+        for (; i < nombre; ++i) {
             if (ici + place > sizeof tampon) {
-                n = ici;
-                haut = fin;
+                n = haut = ici;
                 Vide();
                 ici = n;
-                fin = haut;
             }
             const uint32_t valeur = valeurs[i];
-            if (valeur < FormatValeur::VALEURS_MEMOIRE) {
-                FormatValeur::Forme& forme = memoire[valeur];
-                if (!forme.longueur) forme.longueur = (uint8_t)(Formate(f, valeur, forme.octets) - forme.octets + 1);
-                const size_t longueur = forme.longueur - 1u;
-                if (fin == ici) memcpy(base + ici, forme.octets, sizeof forme.octets);
-                else memcpy(base + ici, forme.octets, longueur);
-                ici += longueur;
-            } else {
+            if (valeur >= FormatValeur::VALEURS_MEMOIRE) {
                 ici = (size_t)(Formate(f, valeur, base + ici) - base);
+                continue;
             }
-            if (ici > fin) fin = ici;
+            FormatValeur::Forme& forme = memoire[valeur];
+            if (!forme.longueur) Garde(f, valeur, forme);
+            memcpy(base + ici, forme.octets, sizeof forme.octets);
+            ici += forme.longueur - 1u;
         }
-        n = ici;
-        haut = fin;
+        n = haut = ici;
+    }
+
+    // Makes and keeps the written form of a value (out of the loop above).
+    __attribute__((noinline)) static void Garde(const FormatValeur& f, uint32_t valeur, FormatValeur::Forme& forme) {
+        forme.longueur = (uint8_t)(Formate(f, valeur, forme.octets) - forme.octets + 1);
     }
 
     // One value through the format's pieces; gives the end of what it wrote.
