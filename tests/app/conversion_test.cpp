@@ -19,6 +19,7 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <random>
 #include <set>
 #include <string>
 #include <vector>
@@ -641,6 +642,70 @@ TEST(ConvExistants, MosaiqueEtendue) {
                                  Ligne("a", "palette", "a.pal.bin", "a.bmp") +
                                  Ligne("a", "carte", "a.map.bin", "a.bmp"))
             << c.ligne;
+    }
+}
+
+// Random pictures of tiles drawn from a small pool, over an existing tileset
+// holding some of the same tiles (and twice some): the numbers and the store
+// are those of the plain way, a linear search from the search start (the
+// first tile with util, the first new one with !util).
+TEST(ConvExistants, DoublonsCommeLaRechercheLineaire) {
+    std::mt19937 alea(31337);
+    auto de = [&](int n) { return (int)(alea() % (unsigned)n); };
+    const std::string lettres = ".RVBJN";
+    for (int essai = 0; essai < 24; ++essai) {
+        std::vector<std::vector<char>> reserve((size_t)(2 + de(5)));
+        for (auto& motif : reserve) {
+            motif.assign(64, '.');
+            const int fond = de(6), autre = de(6);
+            for (char& c : motif) c = lettres[(size_t)(de(4) ? fond : autre)];
+        }
+        const int colonnes = 2 + de(5), rangees = 1 + de(4);
+        std::vector<int> places((size_t)colonnes * rangees);
+        for (int& p : places) p = de((int)reserve.size());
+        std::vector<std::string> lignes((size_t)rangees * 8, std::string((size_t)colonnes * 8, '.'));
+        for (int r = 0; r < rangees; ++r)
+            for (int k = 0; k < colonnes; ++k)
+                for (int i = 0; i < 64; ++i)
+                    lignes[(size_t)(r * 8 + i / 8)][(size_t)(k * 8 + i % 8)] =
+                        reserve[(size_t)places[(size_t)r * colonnes + k]][(size_t)i];
+        // Indices as the palette numbers colours: first met from the top.
+        std::string ordre = ".";
+        for (const std::string& l : lignes)
+            for (char c : l)
+                if (ordre.find(c) == std::string::npos) ordre += c;
+        auto unite = [&](const std::vector<char>& motif) {
+            Unite u;
+            for (char c : motif) {
+                const size_t i = ordre.find(c);
+                u.push_back(i == std::string::npos ? 0u : (uint32_t)i);
+            }
+            return u;
+        };
+        std::vector<Unite> magasin;
+        for (int t = 1 + de(5); t > 0; --t) magasin.push_back(unite(reserve[(size_t)de((int)reserve.size())]));
+        if (de(2)) magasin.push_back(magasin[(size_t)de((int)magasin.size())]);
+        const size_t anciennes = magasin.size();
+        const bool util = de(2);
+        const size_t debut = util ? 0 : anciennes;
+        std::vector<uint32_t> cellules;
+        for (int p : places) {
+            const Unite u = unite(reserve[(size_t)p]);
+            size_t t = debut;
+            while (t < magasin.size() && magasin[t] != u) ++t;
+            if (t == magasin.size()) magasin.push_back(u);
+            cellules.push_back((uint32_t)t);
+        }
+        const std::string ligne = std::string("-tset src=a.bmp ") + (util ? "util=base" : "!util=base");
+        SCOPED_TRACE("essai " + std::to_string(essai) + ": " + ligne);
+        DossierTemporaire dossier;
+        ProjetBrut(Ligne("base", "tileset", "base.til.bin", "vieux.bmp"));
+        std::vector<Unite> existantes(magasin.begin(), magasin.begin() + (long)anciennes);
+        EcritFichier("base.til.bin", FichierTuiles((int)anciennes, 8, 8, 8, "vieux.pal.bin", existantes));
+        EcritBmp("a.bmp", DeLettres(lignes));
+        ASSERT_EQ(Lance(ligne), "");
+        ASSERT_EQ(LitFichier("a.map.bin"), FichierCarte(colonnes, rangees, 2, "base.til.bin", cellules));
+        ASSERT_EQ(LitFichier("base.til.bin"), FichierTuiles((int)magasin.size(), 8, 8, 8, "a.pal.bin", magasin));
     }
 }
 
