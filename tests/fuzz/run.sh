@@ -13,8 +13,8 @@
 # kept under build-fuzz/trouvailles/<target>/ and the script exits 1.
 # Environment: FUZZ_BUILD (build folder), FUZZ_JOBS, FUZZ_GARDE=1 keeps the
 # grown corpus copies in build-fuzz/corpus-<target> and starts from them,
-# FUZZ_TIMEOUT the seconds one input may take (10; more for a niced run on a
-# busy machine).
+# FUZZ_TIMEOUT the seconds one input may take before it counts as a time-out
+# or a slow input (10; more for a niced run on a busy machine).
 set -uo pipefail
 racine=$(cd "$(dirname "$0")/../.." && pwd)
 cd "$racine"
@@ -64,7 +64,7 @@ lance() {
   local dico=()
   [ -f "$racine/tests/fuzz/dictionnaires/$cible.dict" ] && dico=(-dict="$racine/tests/fuzz/dictionnaires/$cible.dict")
   "$construction/tests/fuzz/fuzz_$cible" "$corpus" "${dico[@]}" "${graine[@]}" \
-    -max_total_time="$duree" -timeout="${FUZZ_TIMEOUT:-10}" -rss_limit_mb=2048 -malloc_limit_mb=1024 \
+    -max_total_time="$duree" -timeout="${FUZZ_TIMEOUT:-10}" -report_slow_units="${FUZZ_TIMEOUT:-10}" -rss_limit_mb=2048 -malloc_limit_mb=1024 \
     -print_final_stats=1 -artifact_prefix="$artefacts/" </dev/null >"$journaux/$cible.log" 2>&1
   echo $? >"$journaux/$cible.rc"
   [ "${FUZZ_GARDE:-0}" = 1 ] || rm -rf "$corpus"
