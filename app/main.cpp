@@ -1,8 +1,10 @@
 #include "app/demarrage.h"
+#include "platform/memoire.h"
 
 #include <string>
 
 int main(int argc, char** argv) {
+    PrepareMemoire();
     // The command line is the arguments joined by single blanks.
     std::string ligne;
     for (int i = 1; i < argc; ++i) {

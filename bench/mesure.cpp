@@ -11,6 +11,7 @@
 // case wrote, timed the same way in the same run.
 #include "platform/image.h"
 #include "platform/imagefichier.h"
+#include "platform/memoire.h"
 #include "bench/images_bench.h"
 
 #include <algorithm>
@@ -179,7 +180,10 @@ int main(int argc, char** argv) {
     const std::string verbe = argc > 1 ? argv[1] : "";
     if (verbe == "genere" && argc == 3) return Genere(argv[2]);
     if (verbe == "temps" && argc >= 4) return Temps(argv[2], argv[3], argc > 4 ? atoi(argv[4]) : 9);
-    if (verbe == "plancher" && argc == 5) return Plancher(argv[2], argv[3], argv[4]);
+    if (verbe == "plancher" && argc == 5) {
+        PrepareMemoire(); // as the program takes its memory
+        return Plancher(argv[2], argv[3], argv[4]);
+    }
     fprintf(stderr, "usage: mesure genere <folder> | temps <program> <folder> [runs] | plancher <picture> <bytes> <out>\n");
     return 2;
 }
