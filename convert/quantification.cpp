@@ -41,6 +41,7 @@ struct Source {
     int hauteur = 0;
     std::vector<uint16_t> codes;
     std::vector<uint16_t> distinctes;
+    std::vector<uint32_t> premiers; // where each distinct colour is first met, in codes
 };
 
 void PrepareSource(Source& s, int largeur, int hauteur) {
@@ -48,6 +49,7 @@ void PrepareSource(Source& s, int largeur, int hauteur) {
     s.hauteur = hauteur > 0 ? hauteur : 0;
     s.codes.assign((size_t)s.largeur * s.hauteur, TRANSPARENT);
     s.distinctes.clear();
+    s.premiers.clear();
     const Image& image = SurfaceApercu;
     if (!image.pixels) return;
     const Cadre& c = CadreDessin;
@@ -78,6 +80,7 @@ void PrepareSource(Source& s, int largeur, int hauteur) {
             if (!vu[code]) {
                 vu[code] = 1;
                 s.distinctes.push_back(code);
+                s.premiers.push_back((uint32_t)((size_t)y * s.largeur + x));
             }
         }
     }
@@ -111,6 +114,10 @@ struct Espace {
     uint16_t triples[TRIPLES_REDUCTION];
     int nbTriples = 0;
     bool triplesValides = false;
+    // Of the triples above, how many came from the palette (the rest were
+    // added), and the distinct colour each added one came from.
+    int nbDonnes = 0;
+    uint16_t origines[TRIPLES_REDUCTION];
     // The offsets at exactly one distance, made again when it changes.
     struct Decalage {
         int8_t db, dg, dr;
@@ -203,27 +210,34 @@ struct Espace {
     }
 };
 
-// One full pass, as the method describes it, with indices. A colour keeps the
-// best triple found so far and the palette size it had seen, so meeting it
-// again only looks at the triples added since; the later of two triples at
-// the same distance still wins.
-int Passe(Espace& e, const Source& s, uint32_t* indices, uint8_t* palette, int seuil, int fixes, int debut, int maxi,
-          uint32_t transparent) {
-    fixes = Borne(fixes, 0, TRIPLES_REDUCTION);
-    debut = Borne(debut, 0, fixes);
-    // The palette block holds 257 triples, whatever limit was asked.
-    const int limite = maxi < TRIPLES_REDUCTION ? maxi : TRIPLES_REDUCTION;
-    memset(palette + 3 * fixes, 0, (size_t)3 * (TRIPLES_REDUCTION - fixes));
-    int pr[TRIPLES_REDUCTION], pg[TRIPLES_REDUCTION], pb[TRIPLES_REDUCTION];
-    for (int t = 0; t < fixes; ++t) {
-        pb[t] = palette[3 * t];
-        pg[t] = palette[3 * t + 1];
-        pr[t] = palette[3 * t + 2];
+// The triples of a pass, as components.
+struct Triples {
+    int r[TRIPLES_REDUCTION], g[TRIPLES_REDUCTION], b[TRIPLES_REDUCTION];
+    int n = 0;
+    void Ajoute(int rouge, int vert, int bleu) {
+        r[n] = rouge;
+        g[n] = vert;
+        b[n] = bleu;
+        ++n;
     }
-    int n = fixes;
+};
+
+// The palette's triples up to fixes.
+void TriplesDonnes(Triples& p, const uint8_t* palette, int fixes) {
+    p.n = 0;
+    for (int t = 0; t < fixes; ++t) p.Ajoute(palette[3 * t + 2], palette[3 * t + 1], palette[3 * t]);
+}
+
+// Pixels i0..i1 - 1 of a pass, as the method describes it, with indices,
+// from the triples p holds (it gets those added). A colour keeps the best
+// triple found so far and the palette size it had seen, so meeting it again
+// only looks at the triples added since; the later of two triples at the
+// same distance still wins. Gives false when the limit is passed.
+bool Parcourt(Espace& e, const Source& s, uint32_t* indices, Triples& p, int seuil, int debut, int limite,
+              uint32_t transparent, size_t i0, size_t i1) {
     std::fill(e.vus.begin(), e.vus.end(), (int16_t)-1);
-    const size_t total = s.codes.size();
-    for (size_t i = 0; i < total; ++i) {
+    int n = p.n;
+    for (size_t i = i0; i < i1; ++i) {
         const uint16_t c = s.codes[i];
         if (c & TRANSPARENT) {
             if (indices) indices[i] = transparent;
@@ -241,17 +255,19 @@ int Passe(Espace& e, const Source& s, uint32_t* indices, uint8_t* palette, int s
             t = e.vus[c];
         }
         for (; t < n; ++t) {
-            const int d = (pr[t] - r) * (pr[t] - r) + (pg[t] - g) * (pg[t] - g) + (pb[t] - b) * (pb[t] - b);
+            const int d = (p.r[t] - r) * (p.r[t] - r) + (p.g[t] - g) * (p.g[t] - g) + (p.b[t] - b) * (p.b[t] - b);
             if (d <= proche) {
                 proche = d;
                 meilleur = t;
             }
         }
         if (meilleur < 0) {
-            if (n >= limite) return -1;
-            pr[n] = r;
-            pg[n] = g;
-            pb[n] = b;
+            if (n >= limite) {
+                p.n = n;
+                return false;
+            }
+            p.n = n;
+            p.Ajoute(r, g, b);
             meilleur = n++;
             proche = 0;
         }
@@ -264,12 +280,38 @@ int Passe(Espace& e, const Source& s, uint32_t* indices, uint8_t* palette, int s
         }
         if (indices) indices[i] = (uint32_t)meilleur + 1;
     }
-    for (int t = fixes; t < n; ++t) {
-        palette[3 * t] = (uint8_t)pb[t];
-        palette[3 * t + 1] = (uint8_t)pg[t];
-        palette[3 * t + 2] = (uint8_t)pr[t];
+    p.n = n;
+    return true;
+}
+
+// The triples added, after the fixed ones, into the palette block; the rest
+// of the block is cleared.
+void EcritTriples(uint8_t* palette, const Triples& p, int fixes) {
+    memset(palette + 3 * fixes, 0, (size_t)3 * (TRIPLES_REDUCTION - fixes));
+    for (int t = fixes; t < p.n; ++t) {
+        palette[3 * t] = (uint8_t)p.b[t];
+        palette[3 * t + 1] = (uint8_t)p.g[t];
+        palette[3 * t + 2] = (uint8_t)p.r[t];
     }
-    return ReglagesConv.utilMaxCoul ? limite : n;
+}
+
+// One full pass over the area.
+int Passe(Espace& e, const Source& s, uint32_t* indices, uint8_t* palette, int seuil, int fixes, int debut, int maxi,
+          uint32_t transparent) {
+    fixes = Borne(fixes, 0, TRIPLES_REDUCTION);
+    debut = Borne(debut, 0, fixes);
+    // The palette block holds 257 triples, whatever limit was asked.
+    const int limite = maxi < TRIPLES_REDUCTION ? maxi : TRIPLES_REDUCTION;
+    Triples p;
+    TriplesDonnes(p, palette, fixes);
+    const bool bon = Parcourt(e, s, indices, p, seuil, debut, limite, transparent, 0, s.codes.size());
+    if (!bon) {
+        p.n = fixes; // a failed pass leaves the block cleared past the fixes
+        EcritTriples(palette, p, fixes);
+        return -1;
+    }
+    EcritTriples(palette, p, fixes);
+    return ReglagesConv.utilMaxCoul ? limite : p.n;
 }
 
 // The count of a pass without its indices: a colour needs a triple of its
@@ -295,10 +337,14 @@ int Compte(Espace& e, const Source& s, const uint8_t* palette, int seuil, int fi
         e.Marque(palette[3 * t + 2], palette[3 * t + 1], palette[3 * t]);
         e.triples[e.nbTriples++] = (uint16_t)(palette[3 * t + 2] | palette[3 * t + 1] << 5 | palette[3 * t] << 10);
     }
+    e.nbDonnes = e.nbTriples;
     int n = fixes;
-    for (const uint16_t c : s.distinctes) {
+    const size_t nbDistinctes = s.distinctes.size();
+    for (size_t j = 0; j < nbDistinctes; ++j) {
+        const uint16_t c = s.distinctes[j];
         if (e.Couvert(c)) continue;
         if (n >= limite) return -1;
+        e.origines[n - fixes] = (uint16_t)j;
         ++n;
         e.Marque(Rouge(c), Vert(c), Bleu(c));
         e.triples[e.nbTriples++] = c;
@@ -353,6 +399,48 @@ void ComptesDescendants(Espace& e, const Source& s, const uint8_t* palette, int 
     }
 }
 
+// The last pass of a search, over a large picture: its triples are known
+// beforehand (the count at that threshold adds them, in the order the pass
+// would), so the second half of the pixels can start from the triples added
+// before it and run on a second thread beside the first half. The indices
+// and the palette are those of one pass.
+constexpr size_t PIXELS_POUR_DEUX = 65536;
+
+int PasseFinale(Espace& e, const Source& s, uint32_t* indices, uint8_t* palette, int seuil, int fixes, int debut,
+                int maxi, uint32_t transparent) {
+    const size_t total = s.codes.size();
+    if (seuil < 0 || total < PIXELS_POUR_DEUX || Compte(e, s, palette, seuil, fixes, debut, maxi) == -1 ||
+        !e.triplesValides)
+        return Passe(e, s, indices, palette, seuil, fixes, debut, maxi, transparent);
+    fixes = Borne(fixes, 0, TRIPLES_REDUCTION);
+    debut = Borne(debut, 0, fixes);
+    const int limite = maxi < TRIPLES_REDUCTION ? maxi : TRIPLES_REDUCTION;
+    const size_t milieu = total / 2;
+    const int ajoutes = e.nbTriples - e.nbDonnes;
+    int avant = 0;
+    while (avant < ajoutes && s.premiers[e.origines[avant]] < milieu) ++avant;
+    Triples haut, bas;
+    TriplesDonnes(haut, palette, fixes);
+    TriplesDonnes(bas, palette, fixes);
+    for (int k = 0; k < avant; ++k) {
+        const uint16_t c = e.triples[e.nbDonnes + k];
+        bas.Ajoute(Rouge(c), Vert(c), Bleu(c));
+    }
+    bool bonBas = false;
+    std::thread aide([&] {
+        Espace autre;
+        bonBas = Parcourt(autre, s, indices, bas, seuil, debut, limite, transparent, milieu, total);
+    });
+    const bool bonHaut = Parcourt(e, s, indices, haut, seuil, debut, limite, transparent, 0, milieu);
+    aide.join();
+    // The first half must have added just the triples the second started
+    // from; it always does, but a single pass is the rule.
+    if (!bonHaut || !bonBas || haut.n != fixes + avant)
+        return Passe(e, s, indices, palette, seuil, fixes, debut, maxi, transparent);
+    EcritTriples(palette, bas, fixes);
+    return ReglagesConv.utilMaxCoul ? limite : bas.n;
+}
+
 void MessageCouleursInatteignables() {
     BoiteMessage("Unable to convert the bitmap because the required colors count cannot be reached.", "Oops...",
                  BOITE_OK | ICONE_ARRET);
@@ -375,7 +463,7 @@ int ReductionNormaleCherchee(uint32_t* indices, uint8_t* palette, int hauteur, i
     Espace e;
     e.Presentes(s);
     if (Compte(e, s, palette, 0, fixes, debut, maxi) != -1)
-        return Passe(e, s, indices, palette, 0, fixes, debut, maxi, transparent);
+        return PasseFinale(e, s, indices, palette, 0, fixes, debut, maxi, transparent);
 
     if (messages) {
         const int reponse = BoiteMessage(
@@ -428,7 +516,7 @@ int ReductionNormaleCherchee(uint32_t* indices, uint8_t* palette, int hauteur, i
         }
         seuil = (int)haut;
     }
-    const int resultat = Passe(e, s, indices, palette, seuil, fixes, debut, maxi, transparent);
+    const int resultat = PasseFinale(e, s, indices, palette, seuil, fixes, debut, maxi, transparent);
     if (messages) PlateformeCourante.titreAttente(0);
     if (resultat < 1) {
         MessageCouleursInatteignables();

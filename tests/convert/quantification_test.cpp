@@ -385,6 +385,46 @@ TEST_F(Quantification, RechercheSurDesMilliersDeCouleurs) {
     EXPECT_GT(reussites, 12);
 }
 
+// Pictures large enough for the last pass to run in two halves: with few
+// colours (the pass at threshold 0) and with thousands (after the search).
+TEST_F(Quantification, DernierePasseEnDeuxMoities) {
+    std::mt19937 alea(777);
+    auto de = [&](int n) { return (int)(alea() % (unsigned)n); };
+    ConstruitTablesCouleur();
+    messages = 0;
+    for (int n = 0; n < 4; ++n) {
+        const int l = 256, h = 260;
+        const bool peu = n % 2 == 0;
+        // The lower rows have colours of their own: the second half adds
+        // triples too.
+        std::vector<Rvb> centres((size_t)(peu ? 150 : 3 + de(4))), dessous((size_t)(peu ? 60 : 1 + de(3)));
+        for (Rvb& c : centres) c = {(uint8_t)de(256), (uint8_t)de(256), (uint8_t)de(256)};
+        for (Rvb& c : dessous) c = {(uint8_t)de(256), (uint8_t)de(256), (uint8_t)de(256)};
+        Rangees rangees((size_t)h, std::vector<Rvb>((size_t)l));
+        for (size_t y = 0; y < rangees.size(); ++y)
+            for (Rvb& p : rangees[y]) {
+                const auto& choix = y > (size_t)h * 3 / 4 && de(2) ? dessous : centres;
+                const Rvb& c = choix[(size_t)de((int)choix.size())];
+                auto bruit = [&](uint8_t v) { return (uint8_t)std::clamp(v + (peu ? 0 : de(61) - 30), 0, 255); };
+                p = de(40) == 0 ? MASQUE : Rvb{bruit(c.r), bruit(c.g), bruit(c.b)};
+            }
+        Apercu(rangees);
+        ReglagesConv.precisionMax = 10 + de(20);
+        const int fixes = de(3), debut = de(2) ? 0 : fixes;
+        std::vector<uint8_t> palette(TAILLE_PALETTE_REDUCTION, 0);
+        for (int i = 0; i < 3 * fixes; ++i) palette[(size_t)i] = (uint8_t)de(32);
+        SCOPED_TRACE("image " + std::to_string(n) + " precision " + std::to_string(ReglagesConv.precisionMax));
+        Resultat attendu{0, {}, palette};
+        std::vector<std::string> boites;
+        RechercheReference(attendu, h, l, fixes, debut, 255, false, 0, REPONSE_OK, boites);
+        const Resultat r = Cherchee(h, l, fixes, debut, 255, false, palette);
+        ASSERT_GT(attendu.valeur, 0);
+        ASSERT_EQ(r.valeur, attendu.valeur);
+        ASSERT_EQ(r.indices, attendu.indices);
+        ASSERT_EQ(r.palette, attendu.palette);
+    }
+}
+
 TEST_F(Quantification, PasseNormaleCasCalculesALaMain) {
     // Reds of 5 bits 10, 12 on top and 11, 20 below; blue and green 0.
     struct Cas {
