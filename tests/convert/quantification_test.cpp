@@ -344,84 +344,74 @@ TEST_F(Quantification, RechercheEgaleLaMethodeDirecte) {
     EXPECT_LT(refus, 300);
 }
 
-// Pictures of thousands of colours in clusters: the downward search then
-// meets many thresholds whose shells hold colours of the picture and many
-// that hold none, which it may carry over from the threshold above.
+// A picture of colours in clusters: a few centres, each pixel one of them
+// with noise up to ecart on each component (or the mask, one pixel in 40);
+// the rows below basDebut draw from the second set half of the time. Then the
+// downward search on it, against the plain method. Gives the search's value.
+int AmasContreReference(std::mt19937& alea, int l, int h, int nbCentres, int nbDessous, int basDebut, int ecart,
+                        int maxi) {
+    auto de = [&](int n) { return (int)(alea() % (unsigned)n); };
+    std::vector<Rvb> centres((size_t)nbCentres), dessous((size_t)(nbDessous > 0 ? nbDessous : 1));
+    for (Rvb& c : centres) c = {(uint8_t)de(256), (uint8_t)de(256), (uint8_t)de(256)};
+    for (Rvb& c : dessous) c = {(uint8_t)de(256), (uint8_t)de(256), (uint8_t)de(256)};
+    auto bruit = [&](uint8_t v) { return (uint8_t)std::clamp(v + de(2 * ecart + 1) - ecart, 0, 255); };
+    Rangees rangees((size_t)h, std::vector<Rvb>((size_t)l));
+    for (int y = 0; y < h; ++y)
+        for (Rvb& p : rangees[(size_t)y]) {
+            const auto& choix = nbDessous > 0 && y >= basDebut && de(2) ? dessous : centres;
+            const Rvb& c = choix[(size_t)de((int)choix.size())];
+            p = de(40) == 0 ? MASQUE : Rvb{bruit(c.r), bruit(c.g), bruit(c.b)};
+        }
+    Apercu(rangees);
+    const int fixes = de(3), debut = de(2) ? 0 : fixes;
+    std::vector<uint8_t> palette(TAILLE_PALETTE_REDUCTION, 0);
+    for (int i = 0; i < 3 * fixes; ++i) palette[(size_t)i] = (uint8_t)de(32);
+    Resultat attendu{0, {}, palette};
+    std::vector<std::string> boites;
+    RechercheReference(attendu, h, l, fixes, debut, maxi, false, 0, REPONSE_OK, boites);
+    const Resultat r = Cherchee(h, l, fixes, debut, maxi, false, palette);
+    EXPECT_EQ(r.valeur, attendu.valeur);
+    // What a refused search leaves is not looked at.
+    if (r.valeur != -1) {
+        EXPECT_EQ(r.indices, attendu.indices);
+        EXPECT_EQ(r.palette, attendu.palette);
+    }
+    return r.valeur;
+}
+
+// Thousands of colours: the downward search meets many thresholds whose
+// shells hold colours of the picture and many that hold none, which it may
+// carry over from the threshold above; small limits stop it high up.
 TEST_F(Quantification, RechercheSurDesMilliersDeCouleurs) {
     std::mt19937 alea(4242);
-    auto de = [&](int n) { return (int)(alea() % (unsigned)n); };
     ConstruitTablesCouleur();
     messages = 0;
     const int maxis[] = {255, 9, 4};
     int reussites = 0;
-    for (int n = 0; n < 60; ++n) {
-        const int cote = 40 + de(30);
-        std::vector<Rvb> centres((size_t)(2 + de(6)));
-        for (Rvb& c : centres) c = {(uint8_t)de(256), (uint8_t)de(256), (uint8_t)de(256)};
-        const int ecart = 8 + de(60);
-        Rangees rangees((size_t)cote, std::vector<Rvb>((size_t)cote));
-        for (auto& rangee : rangees)
-            for (Rvb& p : rangee) {
-                const Rvb& c = centres[(size_t)de((int)centres.size())];
-                auto bruit = [&](uint8_t v) { return (uint8_t)std::clamp(v + de(2 * ecart + 1) - ecart, 0, 255); };
-                p = de(50) == 0 ? MASQUE : Rvb{bruit(c.r), bruit(c.g), bruit(c.b)};
-            }
-        Apercu(rangees);
-        ReglagesConv.precisionMax = 60 + de(140);
-        const int fixes = de(3), debut = de(2) ? 0 : fixes, maxi = maxis[n % 3];
-        std::vector<uint8_t> palette(TAILLE_PALETTE_REDUCTION, 0);
-        for (int i = 0; i < 3 * fixes; ++i) palette[(size_t)i] = (uint8_t)de(32);
+    for (int n = 0; n < 60 && !HasFailure(); ++n) {
+        ReglagesConv.precisionMax = 60 + (int)(alea() % 140);
         SCOPED_TRACE("image " + std::to_string(n) + " precision " + std::to_string(ReglagesConv.precisionMax));
-        Resultat attendu{0, {}, palette};
-        std::vector<std::string> boites;
-        RechercheReference(attendu, cote, cote, fixes, debut, maxi, false, 0, REPONSE_OK, boites);
-        const Resultat r = Cherchee(cote, cote, fixes, debut, maxi, false, palette);
-        ASSERT_EQ(r.valeur, attendu.valeur);
-        if (r.valeur == -1) continue; // what a refused search leaves is not looked at
-        ++reussites;
-        ASSERT_EQ(r.indices, attendu.indices);
-        ASSERT_EQ(r.palette, attendu.palette);
+        const int cote = 40 + (int)(alea() % 30);
+        reussites += AmasContreReference(alea, cote, cote, 2 + (int)(alea() % 6), 0, 0, 8 + (int)(alea() % 60),
+                                         maxis[n % 3]) != -1;
     }
     EXPECT_GT(reussites, 12);
 }
 
-// Pictures large enough for the last pass to run in two halves: with few
-// colours (the pass at threshold 0) and with thousands (after the search).
+// Large enough for the last pass to run in two halves: few colours (the pass
+// at threshold 0) or thousands (after the search); the lower rows have
+// colours of their own, so the second half adds triples too.
 TEST_F(Quantification, DernierePasseEnDeuxMoities) {
     std::mt19937 alea(777);
-    auto de = [&](int n) { return (int)(alea() % (unsigned)n); };
     ConstruitTablesCouleur();
     messages = 0;
-    for (int n = 0; n < 4; ++n) {
-        const int l = 256, h = 260;
-        const bool peu = n % 2 == 0;
-        // The lower rows have colours of their own: the second half adds
-        // triples too.
-        std::vector<Rvb> centres((size_t)(peu ? 150 : 3 + de(4))), dessous((size_t)(peu ? 60 : 1 + de(3)));
-        for (Rvb& c : centres) c = {(uint8_t)de(256), (uint8_t)de(256), (uint8_t)de(256)};
-        for (Rvb& c : dessous) c = {(uint8_t)de(256), (uint8_t)de(256), (uint8_t)de(256)};
-        Rangees rangees((size_t)h, std::vector<Rvb>((size_t)l));
-        for (size_t y = 0; y < rangees.size(); ++y)
-            for (Rvb& p : rangees[y]) {
-                const auto& choix = y > (size_t)h * 3 / 4 && de(2) ? dessous : centres;
-                const Rvb& c = choix[(size_t)de((int)choix.size())];
-                auto bruit = [&](uint8_t v) { return (uint8_t)std::clamp(v + (peu ? 0 : de(61) - 30), 0, 255); };
-                p = de(40) == 0 ? MASQUE : Rvb{bruit(c.r), bruit(c.g), bruit(c.b)};
-            }
-        Apercu(rangees);
-        ReglagesConv.precisionMax = 10 + de(20);
-        const int fixes = de(3), debut = de(2) ? 0 : fixes;
-        std::vector<uint8_t> palette(TAILLE_PALETTE_REDUCTION, 0);
-        for (int i = 0; i < 3 * fixes; ++i) palette[(size_t)i] = (uint8_t)de(32);
+    for (int n = 0; n < 4 && !HasFailure(); ++n) {
+        ReglagesConv.precisionMax = 10 + (int)(alea() % 20);
         SCOPED_TRACE("image " + std::to_string(n) + " precision " + std::to_string(ReglagesConv.precisionMax));
-        Resultat attendu{0, {}, palette};
-        std::vector<std::string> boites;
-        RechercheReference(attendu, h, l, fixes, debut, 255, false, 0, REPONSE_OK, boites);
-        const Resultat r = Cherchee(h, l, fixes, debut, 255, false, palette);
-        ASSERT_GT(attendu.valeur, 0);
-        ASSERT_EQ(r.valeur, attendu.valeur);
-        ASSERT_EQ(r.indices, attendu.indices);
-        ASSERT_EQ(r.palette, attendu.palette);
+        const bool peu = n % 2 == 0;
+        EXPECT_GT(AmasContreReference(alea, 256, 260, peu ? 150 : 3 + (int)(alea() % 4), peu ? 60 : 1 + (int)(alea() % 3),
+                                      195, peu ? 0 : 30, 255),
+                  0);
     }
 }
 
