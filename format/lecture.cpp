@@ -149,8 +149,14 @@ bool EstA(const TamponLecture& t, int32_t position, const std::string& texte) {
 }
 
 // Moves forward until the text stands at the position, or until it would
-// reach the data's end; gives the position reached.
+// reach the data's end; gives the position reached. One search of the rest of
+// the data: the occurrence must end before the data's last byte.
 int32_t Cherche(const TamponLecture& t, int32_t position, const std::string& texte) {
+    if (position >= 0 && !texte.empty() && (int64_t)position + (int64_t)texte.size() < t.taille) {
+        const void* trouve =
+            memmem(t.donnees + position, (size_t)(t.taille - 1 - position), texte.data(), texte.size());
+        return trouve ? (int32_t)((const char*)trouve - t.donnees) : t.taille - (int32_t)texte.size();
+    }
     while ((int64_t)position + (int64_t)texte.size() < t.taille && !EstA(t, position, texte)) ++position;
     return position;
 }
