@@ -578,13 +578,15 @@ int ReductionTramee(uint32_t* indices, uint8_t* palette, int hauteur, int largeu
     if (hauteur > 0 && largeur > 0) memset(indices, 0, sizeof(uint32_t) * (size_t)hauteur * largeur);
     int h, l;
     LimitesGardees(hauteur, largeur, h, l);
-    for (int y = 0; y < h; ++y)
+    for (int y = 0; y < h; ++y) {
+        const uint8_t* ligne = PixelGarde(0, y);
         for (int x = 0; x < l; ++x) {
-            const uint8_t* p = PixelGarde(x, y);
+            const uint8_t* p = ligne + 3 * x;
             if (EstMasque(p[2], p[1], p[0])) continue;
             const int s = bayer[y & 7][x & 7];
             indices[(size_t)y * largeur + x] = (uint32_t)(niveau(p[2], s) * 36 + niveau(p[1], s) * 6 + niveau(p[0], s) + 1);
         }
+    }
     uint8_t table[256][3];
     PaletteTramee(table);
     for (int i = 0; i < 256; ++i) {
@@ -730,8 +732,9 @@ int ReductionOptimale(uint32_t* indices, uint8_t* palette, int hauteur, int larg
     // From the bottom row upward, as the picture lies in memory.
     for (int rangee = 0; rangee < hg && rempli; ++rangee) {
         const int y = hg - 1 - rangee;
+        uint8_t* ligne = PixelGarde(0, y);
         for (int x = 0; x < lg; ++x) {
-            uint8_t* p = PixelGarde(x, y);
+            uint8_t* p = ligne + 3 * x;
             if (EstMasque(p[2], p[1], p[0])) {
                 masques[(size_t)y * lg + x] = 1;
                 continue;
@@ -766,10 +769,11 @@ int ReductionOptimale(uint32_t* indices, uint8_t* palette, int hauteur, int larg
     std::vector<int16_t> proche(CODES, -1);
     if (hauteur > 0 && largeur > 0) memset(indices, 0, sizeof(uint32_t) * (size_t)hauteur * largeur);
     const int h = hg < hauteur ? hg : hauteur, l = lg < largeur ? lg : largeur;
-    for (int y = 0; y < h; ++y)
+    for (int y = 0; y < h; ++y) {
+        const uint8_t* ligne = PixelGarde(0, y);
         for (int x = 0; x < l; ++x) {
             if (masques[(size_t)y * lg + x]) continue;
-            const uint8_t* p = PixelGarde(x, y);
+            const uint8_t* p = ligne + 3 * x;
             const int code = p[2] >> 3 | (p[1] >> 3) << 5 | (p[0] >> 3) << 10;
             if (proche[code] < 0) {
                 int meilleur = 0, plusProche = -1;
@@ -785,6 +789,7 @@ int ReductionOptimale(uint32_t* indices, uint8_t* palette, int hauteur, int larg
             }
             indices[(size_t)y * largeur + x] = (uint32_t)(proche[code] + fixes + 1);
         }
+    }
     for (int k = 0; k < nombre; ++k) {
         palette[3 * (fixes + k)] = (uint8_t)(couleurs[3 * k + 2] >> 3);
         palette[3 * (fixes + k) + 1] = (uint8_t)(couleurs[3 * k + 1] >> 3);
