@@ -387,6 +387,12 @@ void PrepareElementsExemple() {
     }
 }
 
+void PrepareElementsEtInclusion(const char* script) {
+    PrepareElementsExemple();
+    EcritFichier("inclus.spt", script);
+    GardeFichier("inclus.spt");
+}
+
 void DefinitFormatEssai() {
     // Binary, hexadecimal and decimal fields, conditions, user texts and
     // every_x, line and end templates that Standard does not use.

@@ -64,6 +64,9 @@ bool EcritImageCouleurs(const char* chemin, const char* mime);
 // palette (couleurs.pal.c with Standard). Every file of the folder is then
 // kept (GardeFichier).
 void PrepareElementsExemple();
+// The same, and inclus.spt holding that script (kept too): what a project's
+// or a script's statements may reach.
+void PrepareElementsEtInclusion(const char* script);
 
 // Defines the format "Essai" through a defformat script: every section with
 // templates of its own (binary fields, hexadecimal, conditions, user texts,

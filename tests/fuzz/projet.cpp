@@ -9,9 +9,7 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
     PrepareCible("projet", argc, argv);
     // What a project's statements may reach: a picture, element files, a
     // script to include.
-    PrepareElementsExemple();
-    EcritFichier("inclus.spt", "convert.nuances = 16\nsystem.objetsmax = 12\nretour 3\n");
-    GardeFichier("inclus.spt");
+    PrepareElementsEtInclusion("convert.nuances = 16\nsystem.objetsmax = 12\nretour 3\n");
     return 0;
 }
 

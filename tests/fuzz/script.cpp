@@ -12,9 +12,7 @@
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
     PrepareCible("script", argc, argv);
-    PrepareElementsExemple();
-    EcritFichier("inclus.spt", "convert.nuances = 16\ndefmodele \"Inclus\" {\n 1, 4, \"a\", \"1\"\n}\nretour 3\n");
-    GardeFichier("inclus.spt");
+    PrepareElementsEtInclusion("convert.nuances = 16\ndefmodele \"Inclus\" {\n 1, 4, \"a\", \"1\"\n}\nretour 3\n");
     return 0;
 }
 
