@@ -8,7 +8,9 @@
 #include "script/interpreteur.h"
 
 #include <atomic>
+#include <algorithm>
 #include <cstring>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -93,9 +95,12 @@ struct Espace {
     // The covered colours: one bit a colour, one 32-bit word for the 32 reds
     // of each (blue, green).
     uint32_t couvert[CODES / 32];
-    std::vector<int16_t> meilleur = std::vector<int16_t>(CODES);
-    std::vector<int32_t> distance = std::vector<int32_t>(CODES);
-    std::vector<int16_t> vus = std::vector<int16_t>(CODES);
+    // Per colour, the pass's nearest triple so far, its distance, and how
+    // many triples there were then (-1: not met yet). Only vus is set before
+    // a pass; the other two are read only where vus says they were written.
+    std::unique_ptr<int16_t[]> meilleur = std::make_unique_for_overwrite<int16_t[]>(CODES);
+    std::unique_ptr<int32_t[]> distance = std::make_unique_for_overwrite<int32_t[]>(CODES);
+    std::unique_ptr<int16_t[]> vus = std::make_unique_for_overwrite<int16_t[]>(CODES);
     uint8_t racine[DISTANCE_MAX + 1];
     // The red half-width at every blue and green offset within the threshold,
     // blue by blue: the offsets of blue db hold green -rayonVert..rayonVert
@@ -235,7 +240,7 @@ void TriplesDonnes(Triples& p, const uint8_t* palette, int fixes) {
 // same distance still wins. Gives false when the limit is passed.
 bool Parcourt(Espace& e, const Source& s, uint32_t* indices, Triples& p, int seuil, int debut, int limite,
               uint32_t transparent, size_t i0, size_t i1) {
-    std::fill(e.vus.begin(), e.vus.end(), (int16_t)-1);
+    std::fill_n(e.vus.get(), CODES, (int16_t)-1);
     int n = p.n;
     for (size_t i = i0; i < i1; ++i) {
         const uint16_t c = s.codes[i];
