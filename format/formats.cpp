@@ -81,8 +81,22 @@ void CopieDepuisSlot(FormatChoisi& f, int slot) {
 
 } // namespace
 
+namespace {
+// Pools of a table that was started again, given to the next slots that need
+// one. Only tests and fuzzers start it more than once.
+char* PoolsLibres[NB_FORMATS_MAX];
+int NbPoolsLibres = 0;
+} // namespace
+
 void InitialiseFormats() {
-    // Pools are never freed: texts handed out stay valid to the end of the run.
+    // Pools are never freed. Starting the table again drops every definition,
+    // and their pools serve the next ones.
+    for (int i = 0; i < NbFormats; ++i) {
+        char* pool = TableFormats[i].pool;
+        bool deja = pool == nullptr; // a slot copied from another shares its pool
+        for (int j = 0; j < NbPoolsLibres && !deja; ++j) deja = PoolsLibres[j] == pool;
+        if (!deja && NbPoolsLibres < NB_FORMATS_MAX) PoolsLibres[NbPoolsLibres++] = pool;
+    }
     NbFormats = 0;
     FormatChoisi standard{};
     for (int s = 0; s < NB_SECTIONS; ++s) standard.sections[s] = SectionsStandard[s];
@@ -229,7 +243,7 @@ void DefinitFormat(FILE* fichier, const char* nom) {
     }
     DefinitionFormat& d = TableFormats[slot];
     if (!d.pool) {
-        d.pool = (char*)malloc(TAILLE_POOL_FORMAT);
+        d.pool = NbPoolsLibres > 0 ? PoolsLibres[--NbPoolsLibres] : (char*)malloc(TAILLE_POOL_FORMAT);
         PositionPool = d.pool;
         FinPool = d.pool ? d.pool + TAILLE_POOL_FORMAT : nullptr;
     }

@@ -155,6 +155,30 @@ TEST_F(Formats, TablePleineEtPoolPleinRefusesProprement) {
     EXPECT_LT(atoi(decl + 4000), 299);
 }
 
+TEST_F(Formats, UnNouveauDepartReprendLesPools) {
+    Execute("defformat \"A\" {\n map {\n  ext = \".a\"\n }\n}\ndefformat \"B\" {\n map {\n  ext = \".b\"\n }\n}\n");
+    ASSERT_EQ(NbFormats, 3);
+    char* const pa = TableFormats[1].pool;
+    char* const pb = TableFormats[2].pool;
+    ASSERT_TRUE(pa && pb && pa != pb);
+    // A slot copied from another shares its pool, which goes back once.
+    TableFormats[3] = TableFormats[2];
+    NbFormats = 4;
+
+    InitialiseFormats();
+    Execute("defformat \"C\" {\n map {\n  ext = \".c\"\n }\n}\ndefformat \"D\" {\n map {\n  ext = \".d\"\n }\n}\n"
+            "defformat \"E\" {\n map {\n  ext = \".e\"\n }\n}\n");
+    ASSERT_EQ(NbFormats, 4);
+    char* const pc = TableFormats[Slot("C")].pool;
+    char* const pd = TableFormats[Slot("D")].pool;
+    char* const pe = TableFormats[Slot("E")].pool;
+    EXPECT_TRUE((pc == pa && pd == pb) || (pc == pb && pd == pa));
+    EXPECT_TRUE(pe && pe != pa && pe != pb);
+    EXPECT_STREQ(TableFormats[Slot("C")].sections[SECTION_MAP].ext, ".c");
+    EXPECT_STREQ(TableFormats[Slot("D")].sections[SECTION_MAP].ext, ".d");
+    EXPECT_STREQ(TableFormats[Slot("E")].sections[SECTION_MAP].ext, ".e");
+}
+
 TEST_F(Formats, ChoixParExtension) {
     Execute("defformat \"A\" {\n palette {\n  ext = \".map.c\"\n }\n}\n"
             "defformat \"B\" {\n map {\n  ext = \".txt\"\n }\n}\n");

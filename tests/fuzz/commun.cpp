@@ -194,11 +194,7 @@ void ReinitialiseEtat(bool formats) {
     memcpy(TableBleue, TablesDefaut[2], 256);
     InitialiseModeles();
     if (formats) {
-        // The pools outlive a run of the program, not an input here.
-        for (DefinitionFormat& d : TableFormats) {
-            free(d.pool);
-            d.pool = nullptr;
-        }
+        // The user formats' pools are kept for the next input's.
         InitialiseFormats();
     } else {
         ChoisitFormat("Standard");
