@@ -1,7 +1,8 @@
 // Whole batch runs of the real program, timed from process start to exit.
 //
 //   mesure genere <folder>                      writes the pictures of the cases
-//   mesure temps <program> <folder> [runs]      times every case, prints the table
+//   mesure temps <program> <folder> [runs] [part] times every case (or those whose
+//                                               name and source hold part), prints the table
 //   mesure plancher <picture> <bytes> <output>  the floor of one case (see below)
 //
 // For each case the program runs in a fresh folder holding the picture (and a
@@ -108,13 +109,14 @@ double Mediane(std::vector<double> v) {
     return v.empty() ? 0 : v.size() % 2 ? v[v.size() / 2] : (v[v.size() / 2 - 1] + v[v.size() / 2]) / 2;
 }
 
-int Temps(const char* programme, const char* images, int essais) {
+int Temps(const char* programme, const char* images, int essais, const char* filtre) {
     const std::string moi = fs::canonical("/proc/self/exe").string();
     const std::string prog = fs::absolute(programme).string();
     const fs::path travail = fs::temp_directory_path() / ("tess_mesure_" + std::to_string(getpid()));
     printf("%-46s %6s %10s %9s %11s %6s\n", "case", "source", "median ms", "peak MiB", "floor ms", "ratio");
     for (const Cas& c : TousLesCas)
         for (const char* ext : {"png", "bmp"}) {
+            if (filtre && !strstr((std::string(c.nom) + " " + ext).c_str(), filtre)) continue;
             std::string commande = c.commande;
             commande.replace(commande.find("EXT"), 3, ext);
             const std::string image = std::string(c.image) + "." + ext;
@@ -179,11 +181,12 @@ int Plancher(const char* image, const char* octets, const char* sortie) {
 int main(int argc, char** argv) {
     const std::string verbe = argc > 1 ? argv[1] : "";
     if (verbe == "genere" && argc == 3) return Genere(argv[2]);
-    if (verbe == "temps" && argc >= 4) return Temps(argv[2], argv[3], argc > 4 ? atoi(argv[4]) : 9);
+    if (verbe == "temps" && argc >= 4)
+        return Temps(argv[2], argv[3], argc > 4 ? atoi(argv[4]) : 9, argc > 5 ? argv[5] : nullptr);
     if (verbe == "plancher" && argc == 5) {
         PrepareMemoire(); // as the program takes its memory
         return Plancher(argv[2], argv[3], argv[4]);
     }
-    fprintf(stderr, "usage: mesure genere <folder> | temps <program> <folder> [runs] | plancher <picture> <bytes> <out>\n");
+    fprintf(stderr, "usage: mesure genere <folder> | temps <program> <folder> [runs] [part] | plancher <picture> <bytes> <out>\n");
     return 2;
 }

@@ -367,26 +367,83 @@ int Compte(Espace& e, const Source& s, const uint8_t* palette, int seuil, int fi
     return ReglagesConv.utilMaxCoul ? limite : n;
 }
 
-// The counts of the downward search, comptes[t] for t from haut down to the
-// first threshold that does not fit (-1), which ends it; below that nothing
-// is needed. Thresholds go in blocks of consecutive ones, so that each block
-// can carry counts over from the threshold above; with many colours a second
-// thread takes every other block.
+// At most how many colours a pass at a threshold can add: each colour it
+// adds lies further than the threshold from every colour added before it, so
+// no two of them share a box whose diagonal stays within the threshold. The
+// boxes that hold a colour of the picture bound them.
+struct BornesAjouts {
+    const uint32_t* presentes;
+    // By box sides: red + 33 * (green + 33 * blue), 0 when not known yet.
+    std::vector<int> occupees = std::vector<int>(33 * 33 * 33, 0);
+
+    // The boxes of a x b x c (red, green, blue) colours, laid from 0, that
+    // hold a colour.
+    int Occupees(int a, int b, int c) {
+        int& memo = occupees[(size_t)(a + 33 * (b + 33 * c))];
+        if (memo) return memo - 1;
+        uint32_t rouges[32];
+        int nbRouges = 0;
+        for (int r0 = 0; r0 < 32; r0 += a) {
+            const int r1 = r0 + a > 32 ? 32 : r0 + a;
+            rouges[nbRouges++] = (r1 == 32 ? ~0u : (1u << r1) - 1) & ~((1u << r0) - 1);
+        }
+        int total = 0;
+        for (int b0 = 0; b0 < 32; b0 += c)
+            for (int g0 = 0; g0 < 32; g0 += b) {
+                uint32_t m = 0;
+                for (int bb = b0; bb < b0 + c && bb < 32; ++bb)
+                    for (int gg = g0; gg < g0 + b && gg < 32; ++gg) m |= presentes[bb << 5 | gg];
+                if (m)
+                    for (int k = 0; k < nbRouges; ++k) total += (m & rouges[k]) != 0;
+            }
+        memo = total + 1;
+        return total;
+    }
+
+    // The fewest boxes among those whose diagonal stays within the threshold:
+    // sides as near each other as they can be, the longer ones on each axis.
+    int Borne(int seuil) {
+        int k = 0;
+        while (k < 31 && 3 * (k + 1) * (k + 1) <= seuil) ++k;
+        const int s = k + 1;
+        int meilleur = Occupees(s, s, s);
+        if (s < 32 && (k + 1) * (k + 1) + 2 * k * k <= seuil) {
+            const int un[3][3] = {{s + 1, s, s}, {s, s + 1, s}, {s, s, s + 1}};
+            for (const auto& c : un) meilleur = std::min(meilleur, Occupees(c[0], c[1], c[2]));
+            if (2 * (k + 1) * (k + 1) + k * k <= seuil) {
+                const int deux[3][3] = {{s, s + 1, s + 1}, {s + 1, s, s + 1}, {s + 1, s + 1, s}};
+                for (const auto& c : deux) meilleur = std::min(meilleur, Occupees(c[0], c[1], c[2]));
+            }
+        }
+        return meilleur;
+    }
+};
+
+// The counts of the downward search, comptes[t] for the thresholds voulus
+// from haut down to bas or to the first one that does not fit (-1), which
+// ends it; below that nothing is needed. Thresholds go in blocks of
+// consecutive ones, so that each block can carry counts over from the
+// threshold above; with many colours a second thread takes every other block.
+// Thresholds not counted keep -2.
 constexpr int SEUILS_PAR_BLOC = 8;
 constexpr size_t COULEURS_POUR_DEUX = 1024;
 
-void ComptesDescendants(Espace& e, const Source& s, const uint8_t* palette, int haut, int fixes, int debut, int maxi,
-                        std::vector<int>& comptes) {
-    comptes.assign((size_t)haut + 1, -2);
+template <typename Voulu>
+void ComptesDescendants(Espace& e, const Source& s, const uint8_t* palette, int haut, int bas, int fixes, int debut,
+                        int maxi, std::vector<int>& comptes, Voulu voulu) {
     std::atomic<int> prochain{haut}; // the top of the next block to take
-    std::atomic<int> arret{-1};      // the highest threshold known not to fit
+    std::atomic<int> arret{bas - 1}; // the highest threshold known not to fit
     auto travaille = [&](Espace& espace) {
         for (;;) {
             const int debutBloc = prochain.fetch_sub(SEUILS_PAR_BLOC);
-            if (debutBloc < 0 || debutBloc <= arret.load()) return;
+            if (debutBloc < bas || debutBloc <= arret.load()) return;
             bool suite = false; // espace holds the count of the threshold above
-            for (int t = debutBloc; t > debutBloc - SEUILS_PAR_BLOC && t >= 0; --t) {
+            for (int t = debutBloc; t > debutBloc - SEUILS_PAR_BLOC && t >= bas; --t) {
                 if (t <= arret.load()) return;
+                if (!voulu(t)) {
+                    suite = false;
+                    continue;
+                }
                 const bool meme = suite && espace.MemeEnDessous(t + 1);
                 const int r = meme ? comptes[(size_t)t + 1] : Compte(espace, s, palette, t, fixes, debut, maxi);
                 comptes[(size_t)t] = r;
@@ -400,7 +457,7 @@ void ComptesDescendants(Espace& e, const Source& s, const uint8_t* palette, int 
             }
         }
     };
-    if (s.distinctes.size() >= COULEURS_POUR_DEUX && haut >= 2 * SEUILS_PAR_BLOC) {
+    if (s.distinctes.size() >= COULEURS_POUR_DEUX && haut - bas >= 2 * SEUILS_PAR_BLOC) {
         std::thread aide([&] {
             Espace autre;
             autre.Presentes(s);
@@ -507,8 +564,41 @@ int ReductionNormaleCherchee(uint32_t* indices, uint8_t* palette, int hauteur, i
             }
         }
         if (t >= 0) {
-            std::vector<int> comptes;
-            ComptesDescendants(e, s, palette, t, fixes, debut, maxi, comptes);
+            // A threshold whose bound keeps within the limit fits for sure:
+            // only those below the highest uncertain one can end the search,
+            // so they are counted first. Above it, a threshold is counted
+            // only when its bound could beat the best count found.
+            const int f = Borne(fixes, 0, TRIPLES_REDUCTION);
+            const int limite = maxi < TRIPLES_REDUCTION ? maxi : TRIPLES_REDUCTION;
+            BornesAjouts bornes{e.presentes};
+            std::vector<int> borne((size_t)t + 1);
+            int incertain = -1;
+            for (int u = t; u >= 0; --u) {
+                borne[(size_t)u] = f + bornes.Borne(u);
+                if (incertain < 0 && borne[(size_t)u] > limite) incertain = u;
+            }
+            std::vector<int> comptes((size_t)t + 1, -2);
+            auto tous = [](int) { return true; };
+            if (incertain >= 0) ComptesDescendants(e, s, palette, incertain, 0, fixes, debut, maxi, comptes, tous);
+            // The count at the top, when the threshold went past every
+            // distance, stands above all of these.
+            int meilleur = plus, seuilMeilleur = plus >= 0 ? precision : -1;
+            for (int u = incertain; u >= 0 && comptes[(size_t)u] != -1; --u)
+                if (comptes[(size_t)u] > meilleur) {
+                    meilleur = comptes[(size_t)u];
+                    seuilMeilleur = u;
+                }
+            if (incertain < t) {
+                // With utilmaxcoul every count that fits is the limit.
+                auto peutGagner = [&](int u) {
+                    const int b = ReglagesConv.utilMaxCoul ? limite : borne[(size_t)u];
+                    return b > meilleur || (b == meilleur && u > seuilMeilleur);
+                };
+                ComptesDescendants(e, s, palette, t, incertain + 1, fixes, debut, maxi, comptes, peutGagner);
+            }
+            // As one downward walk over every count would choose: the most
+            // colours, the highest threshold among equals, nothing below the
+            // first that does not fit. Thresholds not counted cannot win.
             for (; t >= 0; --t) {
                 const int r = comptes[(size_t)t];
                 if (r == -1) break;
