@@ -11,6 +11,9 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 #include <thread>
 #include <vector>
 
@@ -217,19 +220,64 @@ struct Espace {
 
 // The triples of a pass, as components.
 struct Triples {
-    int r[TRIPLES_REDUCTION], g[TRIPLES_REDUCTION], b[TRIPLES_REDUCTION];
+    int16_t r[TRIPLES_REDUCTION], g[TRIPLES_REDUCTION], b[TRIPLES_REDUCTION];
     int n = 0;
+    bool horsCube = false; // a component beyond 5 bits: squares may pass 16 bits
     void Ajoute(int rouge, int vert, int bleu) {
-        r[n] = rouge;
-        g[n] = vert;
-        b[n] = bleu;
+        r[n] = (int16_t)rouge;
+        g[n] = (int16_t)vert;
+        b[n] = (int16_t)bleu;
+        horsCube = horsCube || (rouge | vert | bleu) > 31;
         ++n;
     }
 };
 
+// The nearest of triples t..n - 1 to (r, g, b), eight at a time: a triple
+// at distance proche or nearer replaces meilleur, the later of two at the
+// same distance winning, as a walk in order would. Components within 5 bits,
+// so that a square distance (at most 2883) holds in 16 bits. Leaves t at the
+// triples it did not look at (fewer than eight). Kept out of line: the pass's
+// loop around it stays in registers.
+#ifdef __SSE2__
+constexpr int TRIPLES_PAR_HUIT = 16; // below this many, one at a time is as quick
+
+__attribute__((noinline)) void PlusProcheParHuit(const Triples& p, int r, int g, int b, int& t, int n, int& proche,
+                                                 int& meilleur) {
+    const __m128i vr = _mm_set1_epi16((int16_t)r), vg = _mm_set1_epi16((int16_t)g), vb = _mm_set1_epi16((int16_t)b);
+    const __m128i huit = _mm_set1_epi16(8);
+    __m128i rang = _mm_add_epi16(_mm_set1_epi16((int16_t)t), _mm_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7));
+    __m128i plusPetit = _mm_set1_epi16(0x7FFF), ou = _mm_set1_epi16(-1);
+    for (; t + 8 <= n; t += 8) {
+        const __m128i dr = _mm_sub_epi16(_mm_loadu_si128((const __m128i*)(p.r + t)), vr);
+        const __m128i dg = _mm_sub_epi16(_mm_loadu_si128((const __m128i*)(p.g + t)), vg);
+        const __m128i db = _mm_sub_epi16(_mm_loadu_si128((const __m128i*)(p.b + t)), vb);
+        const __m128i d = _mm_add_epi16(_mm_add_epi16(_mm_mullo_epi16(dr, dr), _mm_mullo_epi16(dg, dg)),
+                                        _mm_mullo_epi16(db, db));
+        const __m128i pris = _mm_cmpgt_epi16(d, plusPetit); // lanes that keep their own
+        plusPetit = _mm_or_si128(_mm_and_si128(pris, plusPetit), _mm_andnot_si128(pris, d));
+        ou = _mm_or_si128(_mm_and_si128(pris, ou), _mm_andnot_si128(pris, rang));
+        rang = _mm_add_epi16(rang, huit);
+    }
+    int16_t m8[8], o8[8];
+    _mm_storeu_si128((__m128i*)m8, plusPetit);
+    _mm_storeu_si128((__m128i*)o8, ou);
+    int m = 0x7FFF, i = -1;
+    for (int k = 0; k < 8; ++k)
+        if (m8[k] < m || (m8[k] == m && o8[k] > i)) {
+            m = m8[k];
+            i = o8[k];
+        }
+    if (i >= 0 && m <= proche) {
+        proche = m;
+        meilleur = i;
+    }
+}
+#endif
+
 // The palette's triples up to fixes.
 void TriplesDonnes(Triples& p, const uint8_t* palette, int fixes) {
     p.n = 0;
+    p.horsCube = false;
     for (int t = 0; t < fixes; ++t) p.Ajoute(palette[3 * t + 2], palette[3 * t + 1], palette[3 * t]);
 }
 
@@ -259,6 +307,9 @@ bool Parcourt(Espace& e, const Source& s, uint32_t* indices, Triples& p, int seu
             proche = e.distance[c];
             t = e.vus[c];
         }
+#ifdef __SSE2__
+        if (n - t >= TRIPLES_PAR_HUIT && !p.horsCube) PlusProcheParHuit(p, r, g, b, t, n, proche, meilleur);
+#endif
         for (; t < n; ++t) {
             const int d = (p.r[t] - r) * (p.r[t] - r) + (p.g[t] - g) * (p.g[t] - g) + (p.b[t] - b) * (p.b[t] - b);
             if (d <= proche) {

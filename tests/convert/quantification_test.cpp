@@ -365,7 +365,8 @@ int AmasContreReference(std::mt19937& alea, int l, int h, int nbCentres, int nbD
     Apercu(rangees);
     const int fixes = de(3), debut = de(2) ? 0 : fixes;
     std::vector<uint8_t> palette(TAILLE_PALETTE_REDUCTION, 0);
-    for (int i = 0; i < 3 * fixes; ++i) palette[(size_t)i] = (uint8_t)de(32);
+    // Now and then a fixed triple beyond 5 bits, which no colour can equal.
+    for (int i = 0; i < 3 * fixes; ++i) palette[(size_t)i] = (uint8_t)(de(6) ? de(32) : de(256));
     Resultat attendu{0, {}, palette};
     std::vector<std::string> boites;
     RechercheReference(attendu, h, l, fixes, debut, maxi, false, 0, REPONSE_OK, boites);
