@@ -858,6 +858,78 @@ struct Octree {
 
 } // namespace
 
+namespace {
+
+// The octree's colours for the nearest-colour search: Euclidean, the first
+// among equals. With SSE2, four colours at a time: components go in 16-bit
+// pairs (red, green) and (blue, 0) whose products add up into 32 bits.
+struct PalettePlusProche {
+    std::vector<int> couleurs; // r, g, b for each
+    int nombre = 0;
+#ifdef __SSE2__
+    // Padded to four colours with one no colour can be near.
+    std::vector<int16_t> rougeVert, bleuZero;
+#endif
+
+    explicit PalettePlusProche(const std::vector<int>& c) : couleurs(c), nombre((int)c.size() / 3) {
+#ifdef __SSE2__
+        const int arrondi = (nombre + 3) / 4 * 4;
+        rougeVert.assign((size_t)2 * arrondi, 0x3FFF);
+        bleuZero.assign((size_t)2 * arrondi, 0);
+        for (int k = 0; k < arrondi; ++k) {
+            if (k < nombre) {
+                rougeVert[(size_t)2 * k] = (int16_t)c[(size_t)3 * k];
+                rougeVert[(size_t)2 * k + 1] = (int16_t)c[(size_t)3 * k + 1];
+            }
+            bleuZero[(size_t)2 * k] = k < nombre ? (int16_t)c[(size_t)3 * k + 2] : 0x3FFF;
+        }
+#endif
+    }
+
+    int Cherche(int r, int g, int b) const {
+#ifdef __SSE2__
+        const __m128i rg = _mm_set1_epi32((int)((uint32_t)r | (uint32_t)g << 16));
+        const __m128i b0 = _mm_set1_epi32(b);
+        __m128i plusPetit = _mm_set1_epi32(0x7FFFFFFF), ou = _mm_setzero_si128();
+        __m128i rang = _mm_setr_epi32(0, 1, 2, 3);
+        const __m128i quatre = _mm_set1_epi32(4);
+        for (size_t k = 0; k < bleuZero.size(); k += 8) {
+            const __m128i drg = _mm_sub_epi16(_mm_loadu_si128((const __m128i*)(rougeVert.data() + k)), rg);
+            const __m128i db = _mm_sub_epi16(_mm_loadu_si128((const __m128i*)(bleuZero.data() + k)), b0);
+            const __m128i d = _mm_add_epi32(_mm_madd_epi16(drg, drg), _mm_madd_epi16(db, db));
+            const __m128i pris = _mm_cmplt_epi32(d, plusPetit); // the first among equals stays
+            plusPetit = _mm_or_si128(_mm_and_si128(pris, d), _mm_andnot_si128(pris, plusPetit));
+            ou = _mm_or_si128(_mm_and_si128(pris, rang), _mm_andnot_si128(pris, ou));
+            rang = _mm_add_epi32(rang, quatre);
+        }
+        int32_t d4[4], o4[4];
+        _mm_storeu_si128((__m128i*)d4, plusPetit);
+        _mm_storeu_si128((__m128i*)o4, ou);
+        int meilleur = o4[0], plusProche = d4[0];
+        for (int k = 1; k < 4; ++k)
+            if (d4[k] < plusProche || (d4[k] == plusProche && o4[k] < meilleur)) {
+                plusProche = d4[k];
+                meilleur = o4[k];
+            }
+        return meilleur;
+#else
+        int meilleur = 0, plusProche = -1;
+        for (int k = 0; k < nombre; ++k) {
+            const int dr = couleurs[(size_t)3 * k] - r, dg = couleurs[(size_t)3 * k + 1] - g,
+                      db = couleurs[(size_t)3 * k + 2] - b;
+            const int d = dr * dr + dg * dg + db * db;
+            if (plusProche < 0 || d < plusProche) {
+                plusProche = d;
+                meilleur = k;
+            }
+        }
+        return meilleur;
+#endif
+    }
+};
+
+} // namespace
+
 int ReductionOptimale(uint32_t* indices, uint8_t* palette, int hauteur, int largeur, int fixes, int limite) {
     if (limite > TRIPLES_REDUCTION) limite = TRIPLES_REDUCTION; // the palette block's size
     fixes = Borne(fixes, 0, TRIPLES_REDUCTION);
@@ -912,6 +984,7 @@ int ReductionOptimale(uint32_t* indices, uint8_t* palette, int hauteur, int larg
 
     // Nearest colour, Euclidean; among equals the first. Pixels hold table
     // values times 8, so a 15-bit code names each one.
+    const PalettePlusProche palettePlusProche(couleurs);
     std::vector<int16_t> proche(CODES, -1);
     if (hauteur > 0 && largeur > 0) memset(indices, 0, sizeof(uint32_t) * (size_t)hauteur * largeur);
     const int h = hg < hauteur ? hg : hauteur, l = lg < largeur ? lg : largeur;
@@ -921,18 +994,7 @@ int ReductionOptimale(uint32_t* indices, uint8_t* palette, int hauteur, int larg
             if (masques[(size_t)y * lg + x]) continue;
             const uint8_t* p = ligne + 3 * x;
             const int code = p[2] >> 3 | (p[1] >> 3) << 5 | (p[0] >> 3) << 10;
-            if (proche[code] < 0) {
-                int meilleur = 0, plusProche = -1;
-                for (int k = 0; k < nombre; ++k) {
-                    const int dr = couleurs[3 * k] - p[2], dg = couleurs[3 * k + 1] - p[1], db = couleurs[3 * k + 2] - p[0];
-                    const int d = dr * dr + dg * dg + db * db;
-                    if (plusProche < 0 || d < plusProche) {
-                        plusProche = d;
-                        meilleur = k;
-                    }
-                }
-                proche[code] = (int16_t)meilleur;
-            }
+            if (proche[code] < 0) proche[code] = (int16_t)palettePlusProche.Cherche(p[2], p[1], p[0]);
             indices[(size_t)y * largeur + x] = (uint32_t)(proche[code] + fixes + 1);
         }
     }
