@@ -22,11 +22,11 @@ int CreeSurfaceApercu() {
     LargeurApercu = LARGEUR_SURFACE_INITIALE;
     HauteurApercu = HAUTEUR_SURFACE_INITIALE;
     ChoisitCadre(0, 0, LARGEUR_SURFACE_INITIALE, HAUTEUR_SURFACE_INITIALE);
-    return CreeImage(SurfaceApercu, LARGEUR_SURFACE_INITIALE, HAUTEUR_SURFACE_INITIALE, 24);
+    return CreeSurface(SurfaceApercu, LARGEUR_SURFACE_INITIALE, HAUTEUR_SURFACE_INITIALE, 24);
 }
 
 int CreeSurfacesEditeur() {
-    int a = CreeImage(SurfaceEditeur, LARGEUR_SURFACE_INITIALE, HAUTEUR_SURFACE_INITIALE, 24);
-    int b = CreeImage(SurfaceSpecimen, LARGEUR_SURFACE_INITIALE, HAUTEUR_SURFACE_INITIALE, 24);
+    int a = CreeSurface(SurfaceEditeur, LARGEUR_SURFACE_INITIALE, HAUTEUR_SURFACE_INITIALE, 24);
+    int b = CreeSurface(SurfaceSpecimen, LARGEUR_SURFACE_INITIALE, HAUTEUR_SURFACE_INITIALE, 24);
     return a && b;
 }

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 TEST(PlateformeSansFenetre, UneLigneParBoiteSurLaSortieDErreur) {
     PlateformeCourante = PlateformeSansFenetre;
     testing::internal::CaptureStderr();
@@ -89,4 +91,24 @@ TEST(CreeImage, LignesAligneesSurQuatreOctetsEtEffacees) {
     EXPECT_EQ(image.pixels, nullptr);
     EXPECT_TRUE(journal.messages.empty());
     LibereImage(image);
+}
+
+TEST(CreeImage, GrandeSurfaceEffaceeSansFuite) {
+    // A large surface comes clear, drawn on and cleared it is clear again,
+    // and freed it leaves nothing (the sanitizers would see a leak or a
+    // mapping freed as heap memory).
+    Image surface, copie;
+    ASSERT_EQ(CreeSurface(surface, 1280, 1024, 24), 1);
+    ASSERT_EQ(CreeImage(copie, 1280, 1024, 24), 1);
+    const size_t taille = (size_t)surface.pas * surface.hauteur;
+    EXPECT_EQ(memcmp(surface.pixels, copie.pixels, taille), 0);
+    for (size_t i = 0; i < taille; i += 4093) surface.pixels[i] = 0x5A;
+    EffaceImage(surface);
+    ASSERT_NE(surface.pixels, nullptr);
+    EXPECT_EQ(surface.largeur, 1280);
+    EXPECT_EQ(memcmp(surface.pixels, copie.pixels, taille), 0);
+    LibereImage(surface);
+    LibereImage(copie);
+    EXPECT_EQ(surface.pixels, nullptr);
+    EXPECT_EQ(surface.carte, 0u);
 }
