@@ -241,6 +241,11 @@ struct Triples {
 #ifdef __SSE2__
 constexpr int TRIPLES_PAR_HUIT = 16; // below this many, one at a time is as quick
 
+// Lane by lane, si where masque is set, else sinon.
+inline __m128i Choisit(__m128i masque, __m128i si, __m128i sinon) {
+    return _mm_or_si128(_mm_and_si128(masque, si), _mm_andnot_si128(masque, sinon));
+}
+
 __attribute__((noinline)) void PlusProcheParHuit(const Triples& p, int r, int g, int b, int& t, int n, int& proche,
                                                  int& meilleur) {
     const __m128i vr = _mm_set1_epi16((int16_t)r), vg = _mm_set1_epi16((int16_t)g), vb = _mm_set1_epi16((int16_t)b);
@@ -254,8 +259,8 @@ __attribute__((noinline)) void PlusProcheParHuit(const Triples& p, int r, int g,
         const __m128i d = _mm_add_epi16(_mm_add_epi16(_mm_mullo_epi16(dr, dr), _mm_mullo_epi16(dg, dg)),
                                         _mm_mullo_epi16(db, db));
         const __m128i pris = _mm_cmpgt_epi16(d, plusPetit); // lanes that keep their own
-        plusPetit = _mm_or_si128(_mm_and_si128(pris, plusPetit), _mm_andnot_si128(pris, d));
-        ou = _mm_or_si128(_mm_and_si128(pris, ou), _mm_andnot_si128(pris, rang));
+        plusPetit = Choisit(pris, plusPetit, d);
+        ou = Choisit(pris, ou, rang);
         rang = _mm_add_epi16(rang, huit);
     }
     int16_t m8[8], o8[8];
@@ -898,8 +903,8 @@ struct PalettePlusProche {
             const __m128i db = _mm_sub_epi16(_mm_loadu_si128((const __m128i*)(bleuZero.data() + k)), b0);
             const __m128i d = _mm_add_epi32(_mm_madd_epi16(drg, drg), _mm_madd_epi16(db, db));
             const __m128i pris = _mm_cmplt_epi32(d, plusPetit); // the first among equals stays
-            plusPetit = _mm_or_si128(_mm_and_si128(pris, d), _mm_andnot_si128(pris, plusPetit));
-            ou = _mm_or_si128(_mm_and_si128(pris, rang), _mm_andnot_si128(pris, ou));
+            plusPetit = Choisit(pris, d, plusPetit);
+            ou = Choisit(pris, rang, ou);
             rang = _mm_add_epi32(rang, quatre);
         }
         int32_t d4[4], o4[4];
