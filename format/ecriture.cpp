@@ -300,21 +300,26 @@ class Redacteur {
         FormatValeur::Forme* const memoire = f.memoire.data();
         char* const base = tampon;
         size_t ici = n;
-        for (; i < nombre; ++i) {
+        while (i < nombre) {
             if (ici + place > sizeof tampon) {
                 n = haut = ici;
                 Vide();
                 ici = n;
             }
-            const uint32_t valeur = valeurs[i];
-            if (valeur >= FormatValeur::VALEURS_MEMOIRE) {
-                ici = (size_t)(Formate(f, valeur, base + ici) - base);
-                continue;
+            // As many values as surely fit, with no check of the room left.
+            size_t lot = (sizeof tampon - ici) / place;
+            if (lot > nombre - i) lot = nombre - i;
+            for (const size_t fin = i + lot; i < fin; ++i) {
+                const uint32_t valeur = valeurs[i];
+                if (valeur >= FormatValeur::VALEURS_MEMOIRE) {
+                    ici = (size_t)(Formate(f, valeur, base + ici) - base);
+                    continue;
+                }
+                FormatValeur::Forme& forme = memoire[valeur];
+                if (!forme.longueur) Garde(f, valeur, forme);
+                memcpy(base + ici, forme.octets, sizeof forme.octets);
+                ici += forme.longueur - 1u;
             }
-            FormatValeur::Forme& forme = memoire[valeur];
-            if (!forme.longueur) Garde(f, valeur, forme);
-            memcpy(base + ici, forme.octets, sizeof forme.octets);
-            ici += forme.longueur - 1u;
         }
         n = haut = ici;
     }
