@@ -50,10 +50,12 @@ void LigneRgb(const Image& image, int y, int largeur, uint8_t* rgb) {
 // A file descriptor of its own on the stream's file, for the libraries that
 // write to descriptors and close them. A stream with no descriptor (a
 // test's failing stream) gives -1.
+#if defined(TESS_GIF) || defined(TESS_TIFF)
 int Descripteur(FILE* f) {
     const int n = fileno(f);
     return n >= 0 ? dup(n) : -1;
 }
+#endif
 
 #if defined(TESS_PNG) || defined(TESS_GIF) || defined(TESS_TIFF)
 struct LecteurMemoire {
