@@ -790,16 +790,10 @@ struct Octree {
         return n;
     }
 
-    // The leaf each colour reached last, good until the next fold: colours
-    // hold 5 bits a component here, so a 15-bit code names them.
-    std::vector<int32_t> feuilleDe = std::vector<int32_t>(32768, -1);
-    std::vector<uint32_t> pliDe = std::vector<uint32_t>(32768, 0);
-    uint32_t plis = 1;
-
-    void Insere(int r, int g, int b) {
-        const int code = r >> 3 | (g >> 3) << 5 | (b >> 3) << 10;
+    // Walks a colour down from the root to the leaf it ends at, making the
+    // nodes missing on the way.
+    int32_t Insere(int r, int g, int b) {
         int32_t n = 0; // the root
-        if (pliDe[(size_t)code] == plis) n = feuilleDe[(size_t)code];
         for (int k = 0; k < 8 && !noeuds[(size_t)n].feuille; ++k) {
             const int bit = 7 - k;
             const int f = 4 * (r >> bit & 1) + 2 * (g >> bit & 1) + (b >> bit & 1);
@@ -809,13 +803,7 @@ struct Octree {
             }
             n = noeuds[(size_t)n].fils[f];
         }
-        feuilleDe[(size_t)code] = n;
-        pliDe[(size_t)code] = plis;
-        NoeudOctal& feuille = noeuds[(size_t)n];
-        ++feuille.nbPixels;
-        feuille.sommeRouge += (uint64_t)r;
-        feuille.sommeVert += (uint64_t)g;
-        feuille.sommeBleu += (uint64_t)b;
+        return n;
     }
 
     // Folds the first node of the deepest level with a reducible node into a
@@ -842,7 +830,6 @@ struct Octree {
         }
         noeuds[(size_t)n].feuille = true;
         feuilles += 1 - enfants;
-        ++plis; // freed nodes may be used again: no remembered leaf holds
         return true;
     }
 
@@ -948,60 +935,77 @@ int ReductionOptimale(uint32_t* indices, uint8_t* palette, int hauteur, int larg
     // Only a picture of 24 bits gives colours.
     const bool utilisable = ImageGardee.pixels && BitsImageGardee == 24;
     const int hg = utilisable ? ImageGardee.hauteur : 0, lg = utilisable ? ImageGardee.largeur : 0;
-    std::vector<uint8_t> masques((size_t)hg * lg, 0);
+    const int h = hg < hauteur ? hg : hauteur, l = lg < largeur ? lg : largeur;
+    // Colours hold 5 bits a component after the tables, so a 15-bit code
+    // names each one. The tree's shape depends only on the order in which
+    // colours are first met: a colour met again ends at the leaf it made or at
+    // an ancestor folded since, which makes no node, and what a leaf holds
+    // only ever moves up into its parent. So a colour walks the tree when it
+    // is first met, the tree reduces then, and its pixels are counted here and
+    // added to the leaf it ends at once the picture is read.
+    std::vector<uint32_t> nombres(CODES, 0);
+    constexpr uint32_t TRANSPARENT = CODES; // in indices until the mapping
     Octree arbre;
     arbre.Nouveau(0);
     bool rempli = true;
-    // From the bottom row upward, as the picture lies in memory.
+    // From the bottom row upward, as the picture lies in memory. Each pixel's
+    // code waits in indices for the mapping.
     for (int rangee = 0; rangee < hg && rempli; ++rangee) {
         const int y = hg - 1 - rangee;
-        uint8_t* ligne = PixelGarde(0, y);
+        const uint8_t* ligne = PixelGarde(0, y);
+        uint32_t* sortie = y < h ? indices + (size_t)y * largeur : nullptr;
         for (int x = 0; x < lg; ++x) {
-            uint8_t* p = ligne + 3 * x;
-            if (EstMasque(p[2], p[1], p[0])) {
-                masques[(size_t)y * lg + x] = 1;
-                continue;
-            }
-            // The effects go into the picture itself, so the mapping sees them.
-            p[2] = (uint8_t)(TableRouge[p[2]] * 8);
-            p[1] = (uint8_t)(TableVerte[p[1]] * 8);
-            p[0] = (uint8_t)(TableBleue[p[0]] * 8);
-            arbre.Insere(p[2], p[1], p[0]);
-            while (arbre.feuilles > place)
-                if (!arbre.Reduit()) {
-                    rempli = false;
-                    break;
+            const uint8_t* p = ligne + 3 * x;
+            uint32_t code = TRANSPARENT;
+            if (!EstMasque(p[2], p[1], p[0])) {
+                code = (uint32_t)(TableRouge[p[2]] & 31) | (uint32_t)(TableVerte[p[1]] & 31) << 5 |
+                       (uint32_t)(TableBleue[p[0]] & 31) << 10;
+                if (nombres[code]++ == 0) {
+                    arbre.Insere((int)(code & 31) << 3, (int)(code >> 5 & 31) << 3, (int)(code >> 10) << 3);
+                    while (arbre.feuilles > place && rempli) rempli = arbre.Reduit();
+                    if (!rempli) break;
                 }
+            }
+            if (sortie && x < l) sortie[x] = code;
         }
     }
-    std::vector<int> couleurs;
-    if (rempli) arbre.Couleurs(0, couleurs);
-    const int nombre = (int)couleurs.size() / 3;
     if (!rempli) {
         LibereImageGardee();
         return 0;
     }
+    for (uint32_t code = 0; code < (uint32_t)CODES; ++code) {
+        const uint64_t n = nombres[code];
+        if (!n) continue;
+        const int r = (int)(code & 31) << 3, g = (int)(code >> 5 & 31) << 3, b = (int)(code >> 10) << 3;
+        NoeudOctal& feuille = arbre.noeuds[(size_t)arbre.Insere(r, g, b)];
+        feuille.nbPixels += (uint32_t)n;
+        feuille.sommeRouge += n * (uint64_t)r;
+        feuille.sommeVert += n * (uint64_t)g;
+        feuille.sommeBleu += n * (uint64_t)b;
+    }
+    std::vector<int> couleurs;
+    arbre.Couleurs(0, couleurs);
+    const int nombre = (int)couleurs.size() / 3;
     if (nombre < 2) {
         MessageCouleursInatteignables();
         LibereImageGardee();
         return 0;
     }
 
-    // Nearest colour, Euclidean; among equals the first. Pixels hold table
-    // values times 8, so a 15-bit code names each one.
+    // Nearest colour, Euclidean; among equals the first: once for each
+    // colour of the picture, then each pixel's code becomes its index.
     const PalettePlusProche palettePlusProche(couleurs);
-    std::vector<int16_t> proche(CODES, -1);
-    if (hauteur > 0 && largeur > 0) memset(indices, 0, sizeof(uint32_t) * (size_t)hauteur * largeur);
-    const int h = hg < hauteur ? hg : hauteur, l = lg < largeur ? lg : largeur;
-    for (int y = 0; y < h; ++y) {
-        const uint8_t* ligne = PixelGarde(0, y);
-        for (int x = 0; x < l; ++x) {
-            if (masques[(size_t)y * lg + x]) continue;
-            const uint8_t* p = ligne + 3 * x;
-            const int code = p[2] >> 3 | (p[1] >> 3) << 5 | (p[0] >> 3) << 10;
-            if (proche[code] < 0) proche[code] = (int16_t)palettePlusProche.Cherche(p[2], p[1], p[0]);
-            indices[(size_t)y * largeur + x] = (uint32_t)(proche[code] + fixes + 1);
-        }
+    std::vector<uint16_t> index(CODES + 1, 0);
+    for (uint32_t code = 0; code < (uint32_t)CODES; ++code)
+        if (nombres[code])
+            index[code] = (uint16_t)(palettePlusProche.Cherche((int)(code & 31) << 3, (int)(code >> 5 & 31) << 3,
+                                                               (int)(code >> 10) << 3) +
+                                     fixes + 1);
+    for (int y = 0; y < hauteur; ++y) {
+        uint32_t* ligne = indices + (size_t)y * largeur;
+        const int n = y < h ? l : 0;
+        for (int x = 0; x < n; ++x) ligne[x] = index[ligne[x]];
+        if (n < largeur) memset(ligne + n, 0, sizeof(uint32_t) * (size_t)(largeur - n));
     }
     for (int k = 0; k < nombre; ++k) {
         palette[3 * (fixes + k)] = (uint8_t)(couleurs[3 * k + 2] >> 3);

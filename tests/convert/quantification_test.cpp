@@ -724,6 +724,174 @@ TEST_F(Quantification, OptimaleVoitLesCouleursApresLesTables) {
     EXPECT_EQ(Triple(r.palette.data(), 1), (std::array<int, 3>{31, 31, 31}));
 }
 
+// The octree method written plainly: every pixel walks from the root and
+// adds to its leaf, the tree reduces after every pixel, and every pixel looks
+// through the whole palette. Runs on its own copy of the picture; boites gets
+// what the method says.
+struct NoeudReference {
+    bool feuille = false;
+    uint64_t nombre = 0, rouge = 0, vert = 0, bleu = 0;
+    int fils[8] = {-1, -1, -1, -1, -1, -1, -1, -1};
+    int suivant = -1;
+};
+
+int OctreeReference(Rangees image, int bits, int hauteur, int largeur, int fixes, int limite, Resultat& s,
+                    std::vector<std::string>& boites) {
+    const int place = limite - fixes;
+    if (place < 2) {
+        boites.push_back(TROP_PEU);
+        return 0;
+    }
+    const int h = (int)image.size(), l = (int)image[0].size();
+    std::vector<NoeudReference> noeuds(1);
+    int reductibles[9] = {0, -1, -1, -1, -1, -1, -1, -1, -1};
+    int feuilles = 0;
+    std::vector<std::vector<bool>> masque((size_t)h, std::vector<bool>((size_t)l, false));
+    for (int y = h - 1; y >= 0 && bits == 24; --y)
+        for (int x = 0; x < l; ++x) {
+            Rvb& p = image[(size_t)y][(size_t)x];
+            if (p.r == MASQUE.r && p.g == MASQUE.g && p.b == MASQUE.b) {
+                masque[(size_t)y][(size_t)x] = true;
+                continue;
+            }
+            p = {(uint8_t)(TableRouge[p.r] * 8), (uint8_t)(TableVerte[p.g] * 8), (uint8_t)(TableBleue[p.b] * 8)};
+            int n = 0;
+            for (int k = 0; k < 8 && !noeuds[(size_t)n].feuille; ++k) {
+                const int b = 7 - k;
+                const int f = 4 * (p.r >> b & 1) + 2 * (p.g >> b & 1) + (p.b >> b & 1);
+                if (noeuds[(size_t)n].fils[f] < 0) {
+                    noeuds.emplace_back();
+                    const int nouveau = (int)noeuds.size() - 1;
+                    if (k + 1 == 8) {
+                        noeuds.back().feuille = true;
+                        ++feuilles;
+                    } else {
+                        noeuds.back().suivant = reductibles[k + 1];
+                        reductibles[k + 1] = nouveau;
+                    }
+                    noeuds[(size_t)n].fils[f] = nouveau;
+                }
+                n = noeuds[(size_t)n].fils[f];
+            }
+            NoeudReference& feuille = noeuds[(size_t)n];
+            ++feuille.nombre;
+            feuille.rouge += p.r;
+            feuille.vert += p.g;
+            feuille.bleu += p.b;
+            while (feuilles > place) {
+                int niveau = 7;
+                while (niveau > 0 && reductibles[niveau] < 0) --niveau;
+                const int r = reductibles[niveau];
+                if (r < 0) return 0; // nothing left to fold: no message
+                reductibles[niveau] = noeuds[(size_t)r].suivant;
+                int enfants = 0;
+                for (int& e : noeuds[(size_t)r].fils) {
+                    if (e < 0) continue;
+                    noeuds[(size_t)r].nombre += noeuds[(size_t)e].nombre;
+                    noeuds[(size_t)r].rouge += noeuds[(size_t)e].rouge;
+                    noeuds[(size_t)r].vert += noeuds[(size_t)e].vert;
+                    noeuds[(size_t)r].bleu += noeuds[(size_t)e].bleu;
+                    e = -1;
+                    ++enfants;
+                }
+                noeuds[(size_t)r].feuille = true;
+                feuilles += 1 - enfants;
+            }
+        }
+    std::vector<std::array<int, 3>> couleurs;
+    std::vector<int> pile = {0};
+    while (!pile.empty()) {
+        const NoeudReference& n = noeuds[(size_t)pile.back()];
+        pile.pop_back();
+        if (n.feuille) {
+            if (n.nombre)
+                couleurs.push_back({(int)(n.rouge / n.nombre), (int)(n.vert / n.nombre), (int)(n.bleu / n.nombre)});
+            continue;
+        }
+        for (int f = 7; f >= 0; --f)
+            if (n.fils[f] >= 0) pile.push_back(n.fils[f]);
+    }
+    if (couleurs.size() < 2) {
+        boites.push_back(INATTEIGNABLE);
+        return 0;
+    }
+    s.indices.assign((size_t)hauteur * largeur, 0);
+    for (int y = 0; y < hauteur && y < h; ++y)
+        for (int x = 0; x < largeur && x < l; ++x) {
+            if (masque[(size_t)y][(size_t)x]) continue;
+            const Rvb& p = image[(size_t)y][(size_t)x];
+            int meilleur = 0, plusProche = -1;
+            for (int k = 0; k < (int)couleurs.size(); ++k) {
+                const int dr = couleurs[(size_t)k][0] - p.r, dg = couleurs[(size_t)k][1] - p.g,
+                          db = couleurs[(size_t)k][2] - p.b;
+                const int d = dr * dr + dg * dg + db * db;
+                if (plusProche < 0 || d < plusProche) {
+                    plusProche = d;
+                    meilleur = k;
+                }
+            }
+            s.indices[(size_t)y * largeur + x] = (uint32_t)(meilleur + fixes + 1);
+        }
+    for (size_t k = 0; k < couleurs.size(); ++k) {
+        s.palette[3 * (fixes + k)] = (uint8_t)(couleurs[k][2] >> 3);
+        s.palette[3 * (fixes + k) + 1] = (uint8_t)(couleurs[k][1] >> 3);
+        s.palette[3 * (fixes + k) + 2] = (uint8_t)(couleurs[k][0] >> 3);
+    }
+    return fixes + (int)couleurs.size();
+}
+
+// Random pictures against the plain octree: few colours that never fold,
+// clusters that fold at the lower levels, and noise that folds up to the top;
+// areas wider, narrower, taller and shorter than the picture; the mask; room
+// from 2 to 256; now and then tables of other values, or an 8-bit file.
+TEST_F(Quantification, OptimaleEgaleLArbreDirect) {
+    std::mt19937 alea(9090);
+    auto de = [&](int n) { return (int)(alea() % (unsigned)n); };
+    int reussites = 0;
+    for (int n = 0; n < 300 && !HasFailure(); ++n) {
+        SCOPED_TRACE("tirage " + std::to_string(n));
+        if (n % 10 == 9)
+            Tables([](int i) { return (i * 7 + 3) % 32; }, [](int i) { return 31 - i / 8; },
+                   [](int i) { return i % 40; });
+        else
+            ConstruitTablesCouleur();
+        const int l = 1 + de(40), h = 1 + de(40);
+        const int sorte = n % 3;
+        std::vector<Rvb> centres((size_t)(1 + de(12)));
+        for (Rvb& c : centres) c = {(uint8_t)de(256), (uint8_t)de(256), (uint8_t)de(256)};
+        const int ecart = 1 + de(40);
+        auto bruit = [&](uint8_t v) { return (uint8_t)std::clamp(v + de(2 * ecart + 1) - ecart, 0, 255); };
+        Rangees image((size_t)h, std::vector<Rvb>((size_t)l));
+        for (auto& rangee : image)
+            for (Rvb& p : rangee) {
+                const Rvb& c = centres[(size_t)de((int)centres.size())];
+                p = de(25) == 0   ? MASQUE
+                    : sorte == 0 ? c
+                    : sorte == 1 ? Rvb{bruit(c.r), bruit(c.g), bruit(c.b)}
+                                 : Rvb{(uint8_t)de(256), (uint8_t)de(256), (uint8_t)de(256)};
+            }
+        const int bits = n % 37 == 36 ? 8 : 24;
+        const int hauteur = std::max(1, h + de(9) - 4), largeur = std::max(1, l + de(9) - 4);
+        const int fixes = de(4), limite = n % 17 == 0 ? fixes + 1 + de(2) : fixes + 2 + de(n % 2 ? 12 : 250);
+        std::vector<uint8_t> palette(TAILLE_PALETTE_REDUCTION);
+        for (uint8_t& v : palette) v = (uint8_t)de(32);
+        Resultat attendu{0, {}, palette};
+        std::vector<std::string> boites;
+        attendu.valeur = OctreeReference(image, bits, hauteur, largeur, fixes, limite, attendu, boites);
+        journal.messages.clear();
+        Garde(image, bits);
+        const Resultat r = Octree(hauteur, largeur, fixes, limite, palette);
+        ASSERT_EQ(r.valeur, attendu.valeur);
+        ASSERT_EQ(journal.messages, boites);
+        EXPECT_EQ(ImageGardee.pixels, nullptr);
+        if (r.valeur == 0) continue;
+        ++reussites;
+        ASSERT_EQ(r.indices, attendu.indices);
+        ASSERT_EQ(r.palette, attendu.palette);
+    }
+    EXPECT_GT(reussites, 200);
+}
+
 TEST_F(Quantification, OptimaleRefuse) {
     const Rangees trois = {{{0, 0, 0}, {255, 255, 255}, {0, 128, 0}}};
     const Rangees une = {{{40, 40, 40}, {40, 40, 40}, MASQUE}};
