@@ -78,16 +78,25 @@ void PrepareSource(Source& s, int largeur, int hauteur) {
         if (Y >= yFin) break;
         const uint8_t* p = image.pixels + (size_t)(image.hauteur - 1 - Y) * image.pas + 3 * (ptrdiff_t)(c.xOrigine + xDebut);
         uint16_t* sortie = s.codes.data() + (size_t)y * s.largeur;
-        for (int x = xDebut; x < xFinArea; ++x, p += 3) {
-            if (((uint32_t)p[0] | (uint32_t)p[1] << 8 | (uint32_t)p[2] << 16) == masque) continue;
-            const uint16_t code = (uint16_t)(rouges[p[2]] | verts[p[1]] << 5 | bleus[p[0]] << 10);
+        auto pose = [&](int x, uint32_t v) {
+            if (v == masque) return;
+            const uint16_t code = (uint16_t)(rouges[v >> 16] | verts[v >> 8 & 255] << 5 | bleus[v & 255] << 10);
             sortie[x] = code;
             if (!vu[code]) {
                 vu[code] = 1;
                 s.distinctes.push_back(code);
                 s.premiers.push_back((uint32_t)((size_t)y * s.largeur + x));
             }
+        };
+        // Four bytes at a time, the fourth cut off; the row's last pixel
+        // byte by byte, as nothing may follow it.
+        int x = xDebut;
+        for (; x < xFinArea - 1; ++x, p += 3) {
+            uint32_t v;
+            memcpy(&v, p, 4);
+            pose(x, v & 0xFFFFFF);
         }
+        pose(x, (uint32_t)p[0] | (uint32_t)p[1] << 8 | (uint32_t)p[2] << 16);
     }
 }
 

@@ -6,6 +6,8 @@
 // The palette is a block of triples blue, green, red, each 0 to 31. During
 // quantisation triple k is palette index k + 1: entry 0 (transparent) is
 // inserted by the caller afterwards. An index of 0 means transparent.
+// A method that succeeds writes every index of the area, so the caller need
+// not clear them first.
 #pragma once
 #include <cstdint>
 
