@@ -8,6 +8,7 @@
 #include "format/variables.h"
 #include "platform/fichiers.h"
 #include "platform/imagefichier.h"
+#include "platform/memoire.h"
 #include "platform/plateforme.h"
 #include "render/chargeurs.h"
 #include "render/surfaces.h"
@@ -15,6 +16,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <unordered_map>
 #include <vector>
 
@@ -148,7 +150,12 @@ int InsereCouleurZero(uint8_t* palette, int nombre) {
 // A tile's words, hashed to find its equals among the stored tiles.
 uint64_t Empreinte(const uint32_t* mots, int nombre) {
     uint64_t h = 0x9E3779B97F4A7C15ull;
-    for (int i = 0; i < nombre; ++i) h = (h ^ mots[i]) * 0x100000001B3ull + (h >> 29);
+    int i = 0;
+    for (; i + 1 < nombre; i += 2) {
+        h = (h ^ (mots[i] | (uint64_t)mots[i + 1] << 32)) * 0x9E3779B97F4A7C15ull;
+        h ^= h >> 32;
+    }
+    if (i < nombre) h = (h ^ mots[i]) * 0x9E3779B97F4A7C15ull;
     return h;
 }
 
@@ -184,8 +191,9 @@ int ConvertitBitmap8(ElementProjet* lignes, int maxi) {
     int fixes, debut;
     if (!PaletteExistante(lignes[1], palette, fixes, debut)) return 0;
     const int l = sizex > 0 ? sizex : 0, h = sizey > 0 ? sizey : 0;
-    std::vector<uint32_t> indices((size_t)l * h, 0);
-    int n = Quantifie(indices.data(), palette, h, l, fixes, debut, maxi, false, 0);
+    const auto indices = std::make_unique_for_overwrite<uint32_t[]>((size_t)l * h);
+    const PagesEnFond pages(indices.get(), sizeof(uint32_t) * (size_t)l * h);
+    int n = Quantifie(indices.get(), palette, h, l, fixes, debut, maxi, false, 0);
     if (n < 0) return 0;
     n = InsereCouleurZero(palette, n);
 
@@ -196,7 +204,7 @@ int ConvertitBitmap8(ElementProjet* lignes, int maxi) {
     MetVariables(b, NomSortie(c.nomBitmap8, b), lignes[1].fichier, 0, (int64_t)l * h, 0, nullptr);
     const SectionFormat& s = FormatCourant.sections[SECTION_BITMAP8];
     EcritGabarit(s.declaration, f);
-    EcritValeursLignes(f, s, s.element, indices.data(), l, h);
+    EcritValeursLignes(f, s, s.element, indices.get(), l, h);
     EcritGabarit(s.end, f);
     if (!FermeSortie(sortie)) return 0;
     return EcritPalette(lignes[1], palette, n) ? 1 : 0;
@@ -217,18 +225,20 @@ int ConvertitMosaique(ElementProjet* lignes, int maxi) {
     }
     const int L = (int)l, H = (int)h;
 
-    std::vector<uint32_t> pixels((size_t)L * H, 0);
+    // Written whole by the quantisation or the direct colours below.
+    const auto pixels = std::make_unique_for_overwrite<uint32_t[]>((size_t)L * H);
+    const PagesEnFond pages(pixels.get(), sizeof(uint32_t) * (size_t)L * H);
     uint8_t palette[TAILLE_PALETTE_CONVERSION] = {};
     int nombre = 0;
     if (c.quinzeBits) {
         // Direct colours: the mask colour and the padding are 0xFFFF.
         const uint8_t* m = c.masque;
-        std::fill(pixels.begin(), pixels.end(), 65535u);
+        std::fill_n(pixels.get(), (size_t)L * H, 65535u);
         for (int y = 0; y < H; ++y) {
             int debut, fin;
             const uint8_t* ligne = LigneSource(y, debut, fin);
             if (!ligne) continue;
-            uint32_t* sortie = pixels.data() + (size_t)y * L;
+            uint32_t* sortie = pixels.get() + (size_t)y * L;
             for (int x = debut; x < fin && x < L; ++x) {
                 const uint8_t* p = ligne + 3 * x;
                 if (!(p[2] == m[0] && p[1] == m[1] && p[0] == m[2])) sortie[x] = Couleur15(p);
@@ -247,7 +257,7 @@ int ConvertitMosaique(ElementProjet* lignes, int maxi) {
             maxi = fixes + 15;
             transparent = (uint32_t)fixes;
         }
-        nombre = Quantifie(pixels.data(), palette, H, L, fixes, debut, maxi, true, transparent);
+        nombre = Quantifie(pixels.get(), palette, H, L, fixes, debut, maxi, true, transparent);
         if (nombre < 0) return 0;
     }
 

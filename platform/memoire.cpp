@@ -29,3 +29,19 @@ void PrepareMemoire() {
 #endif
 #endif
 }
+
+PagesEnFond::PagesEnFond([[maybe_unused]] void* debut, [[maybe_unused]] size_t taille) {
+#if defined(__linux__) && defined(MADV_POPULATE_WRITE)
+    constexpr size_t MO = size_t(1) << 20;
+    if (!debut || taille < MO) return;
+    const uintptr_t page = (uintptr_t)sysconf(_SC_PAGESIZE);
+    const uintptr_t bas = (uintptr_t)debut & ~(page - 1);
+    const uintptr_t haut = ((uintptr_t)debut + taille + page - 1) & ~(page - 1);
+    // A kernel without the call says so, and the block is left alone.
+    fil = std::thread([bas, haut] { madvise((void*)bas, haut - bas, MADV_POPULATE_WRITE); });
+#endif
+}
+
+PagesEnFond::~PagesEnFond() {
+    if (fil.joinable()) fil.join();
+}

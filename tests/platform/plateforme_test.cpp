@@ -1,9 +1,11 @@
 #include "platform/image.h"
+#include "platform/memoire.h"
 #include "platform/plateforme.h"
 #include "tests/support/enregistreur.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <cstring>
 
 TEST(PlateformeSansFenetre, UneLigneParBoiteSurLaSortieDErreur) {
@@ -91,6 +93,33 @@ TEST(CreeImage, LignesAligneesSurQuatreOctetsEtEffacees) {
     EXPECT_EQ(image.pixels, nullptr);
     EXPECT_TRUE(journal.messages.empty());
     LibereImage(image);
+}
+
+TEST(PagesEnFond, NEcritRienDansLeBloc) {
+    // The block is written by this thread while the other makes its pages
+    // present, and it starts and ends inside a page: every byte keeps what
+    // was written, inside and around it, and untouched memory reads clear.
+    const size_t taille = (size_t)6 << 20;
+    uint8_t* bloc = (uint8_t*)malloc(taille);
+    ASSERT_NE(bloc, nullptr);
+    {
+        const PagesEnFond pages(bloc + 100, taille - 300);
+        for (size_t i = 0; i < taille; ++i) bloc[i] = (uint8_t)(i * 7 + 3);
+    }
+    size_t differents = 0;
+    for (size_t i = 0; i < taille; ++i) differents += bloc[i] != (uint8_t)(i * 7 + 3);
+    EXPECT_EQ(differents, 0u);
+    free(bloc);
+
+    uint8_t* neuf = (uint8_t*)calloc(taille, 1);
+    ASSERT_NE(neuf, nullptr);
+    { const PagesEnFond pages(neuf, taille); }
+    size_t nonNuls = 0;
+    for (size_t i = 0; i < taille; ++i) nonNuls += neuf[i] != 0;
+    EXPECT_EQ(nonNuls, 0u);
+    free(neuf);
+    // A null or small block is left alone.
+    const PagesEnFond rien(nullptr, taille), petit(&nonNuls, sizeof nonNuls);
 }
 
 TEST(CreeImage, GrandeSurfaceEffaceeSansFuite) {
