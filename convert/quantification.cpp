@@ -542,15 +542,39 @@ void ComptesDescendants(Espace& e, const Source& s, const uint8_t* palette, int 
 // and the palette are those of one pass.
 constexpr size_t PIXELS_POUR_DEUX = 65536;
 
+// The last pass at threshold 0, once counted: a colour is matched only by a
+// triple equal to it, the last such given triple from debut or else the one
+// added for it, and the count has listed both kinds in order. Each colour's
+// index is known before the pixels are read.
+int PasseExacte(Espace& e, const Source& s, uint32_t* indices, uint8_t* palette, int fixes, int limite,
+                uint32_t transparent) {
+    int16_t* const triple = e.meilleur.get(); // written for every colour of the picture
+    const int debut = fixes - e.nbDonnes;
+    for (int k = 0; k < e.nbDonnes; ++k) triple[e.triples[k]] = (int16_t)(debut + k);
+    Triples p;
+    TriplesDonnes(p, palette, fixes);
+    for (int k = e.nbDonnes; k < e.nbTriples; ++k) {
+        const uint16_t c = e.triples[k];
+        triple[c] = (int16_t)p.n;
+        p.Ajoute(Rouge(c), Vert(c), Bleu(c));
+    }
+    const uint16_t* const codes = s.codes.data();
+    for (size_t i = 0, n = s.codes.size(); i < n; ++i)
+        indices[i] = codes[i] & TRANSPARENT ? transparent : (uint32_t)triple[codes[i]] + 1;
+    EcritTriples(palette, p, fixes);
+    return ReglagesConv.utilMaxCoul ? limite : p.n;
+}
+
 int PasseFinale(Espace& e, const Source& s, uint32_t* indices, uint8_t* palette, int seuil, int fixes, int debut,
                 int maxi, uint32_t transparent) {
     const size_t total = s.codes.size();
-    if (seuil < 0 || total < PIXELS_POUR_DEUX || Compte(e, s, palette, seuil, fixes, debut, maxi) == -1 ||
-        !e.triplesValides)
+    if (seuil < 0 || Compte(e, s, palette, seuil, fixes, debut, maxi) == -1 || !e.triplesValides)
         return Passe(e, s, indices, palette, seuil, fixes, debut, maxi, transparent);
     fixes = Borne(fixes, 0, TRIPLES_REDUCTION);
     debut = Borne(debut, 0, fixes);
     const int limite = maxi < TRIPLES_REDUCTION ? maxi : TRIPLES_REDUCTION;
+    if (seuil == 0) return PasseExacte(e, s, indices, palette, fixes, limite, transparent);
+    if (total < PIXELS_POUR_DEUX) return Passe(e, s, indices, palette, seuil, fixes, debut, maxi, transparent);
     const size_t milieu = total / 2;
     const int ajoutes = e.nbTriples - e.nbDonnes;
     int avant = 0;
@@ -953,7 +977,7 @@ int ReductionOptimale(uint32_t* indices, uint8_t* palette, int hauteur, int larg
     // is first met, the tree reduces then, and its pixels are counted here and
     // added to the leaf it ends at once the picture is read.
     std::vector<uint32_t> nombres(CODES, 0);
-    constexpr uint32_t TRANSPARENT = CODES; // in indices until the mapping
+    constexpr uint32_t SANS_COULEUR = CODES; // a mask pixel in indices until the mapping
     Octree arbre;
     arbre.Nouveau(0);
     bool rempli = true;
@@ -965,7 +989,7 @@ int ReductionOptimale(uint32_t* indices, uint8_t* palette, int hauteur, int larg
         uint32_t* sortie = y < h ? indices + (size_t)y * largeur : nullptr;
         for (int x = 0; x < lg; ++x) {
             const uint8_t* p = ligne + 3 * x;
-            uint32_t code = TRANSPARENT;
+            uint32_t code = SANS_COULEUR;
             if (!EstMasque(p[2], p[1], p[0])) {
                 code = (uint32_t)(TableRouge[p[2]] & 31) | (uint32_t)(TableVerte[p[1]] & 31) << 5 |
                        (uint32_t)(TableBleue[p[0]] & 31) << 10;

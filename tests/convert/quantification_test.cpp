@@ -257,6 +257,19 @@ Tirage Tire(std::mt19937& alea) {
     c.palette.assign(TAILLE_PALETTE_REDUCTION, 0x5A); // leftovers behind the fixes
     for (int i = 0; i < 3 * c.fixes; ++i)
         c.palette[(size_t)i] = (uint8_t)de(6);
+    // Now and then a given triple repeats an earlier one or is a colour of
+    // the picture (with the usual tables): the last equal one must win.
+    for (int t = 1; t < c.fixes; ++t) {
+        const int choix = de(4);
+        if (choix == 0) {
+            const int avant = de(t);
+            for (int k = 0; k < 3; ++k) c.palette[(size_t)(3 * t + k)] = c.palette[(size_t)(3 * avant + k)];
+        }
+        if (choix == 1) {
+            const auto& n = niveaux[(size_t)de((int)niveaux.size())];
+            for (int k = 0; k < 3; ++k) c.palette[(size_t)(3 * t + k)] = (uint8_t)n[(size_t)(2 - k)];
+        }
+    }
     ReglagesConv.utilMaxCoul = de(4) == 0;
     return c;
 }
