@@ -90,8 +90,11 @@ for cible in "${cibles[@]}"; do
   [ -z "$runs" ] && runs=$(grep -o 'stat::number_of_executed_units: [0-9]*' "$journal" | awk '{print $2}')
   cov=$(grep -o 'cov: [0-9]*' "$journal" | tail -n1 | awk '{print $2}')
   artefact=$(ls "$trouvailles/$cible" 2>/dev/null | head -n1)
-  if [ "$rc" = 0 ] && [ -z "$artefact" ]; then
-    printf '  %-8s %10s runs, coverage %s: nothing found\n' "$cible" "${runs:-?}" "${cov:-?}"
+  # Stopped from outside (SIGINT) with nothing kept: libFuzzer's code 72.
+  interrompu=
+  [ "$rc" = 72 ] && [ -z "$artefact" ] && grep -q 'libFuzzer: run interrupted' "$journal" && interrompu=1
+  if { [ "$rc" = 0 ] || [ -n "$interrompu" ]; } && [ -z "$artefact" ]; then
+    printf '  %-8s %10s runs, coverage %s: nothing found%s\n' "$cible" "${runs:-?}" "${cov:-?}" "${interrompu:+ (stopped early)}"
     rmdir "$trouvailles/$cible" 2>/dev/null
   else
     echec=1
