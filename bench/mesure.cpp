@@ -123,29 +123,32 @@ int Temps(const char* programme, const char* images, int essais, const char* fil
             std::vector<double> temps, planchers;
             long pic = 0;
             uintmax_t octets = 0;
-            bool bon = true;
-            for (int i = 0; i < essais && bon; ++i) {
+            auto prepare = [&] {
                 fs::remove_all(travail);
                 fs::create_directories(travail);
                 fs::copy_file(fs::path(images) / image, travail / image);
-                if (c.donnees) {
-                    FILE* f = fopen((travail / "projet.tsl").c_str(), "wb");
-                    if (!f) return 1;
-                    fprintf(f, "#Fichier de projet Tessellarium\n\n .section donn\xE9" "es\n%s  End\n", c.donnees);
-                    fclose(f);
-                }
-                double s;
-                long m;
-                bon = Lance({prog, commande}, travail.string(), s, m);
+                if (!c.donnees) return true;
+                FILE* f = fopen((travail / "projet.tsl").c_str(), "wb");
+                if (!f) return false;
+                fprintf(f, "#Fichier de projet Tessellarium\n\n .section donn\xE9" "es\n%s  End\n", c.donnees);
+                return fclose(f) == 0;
+            };
+            double s;
+            long m;
+            // One run first, not timed: how much the case writes.
+            bool bon = prepare() && Lance({prog, commande}, travail.string(), s, m);
+            for (const auto& e : fs::directory_iterator(travail))
+                if (e.path().extension() == ".c") octets += e.file_size();
+            for (int i = 0; i < essais && bon; ++i) {
+                // The floor first, in the fresh folder: a run of the program
+                // may leave the file system busy (a project saved over the
+                // old one starts its writeback), which the floor must not pay.
+                bon = prepare() &&
+                      Lance({moi, "plancher", image, std::to_string(octets), "plancher.out"}, travail.string(), s, m);
+                planchers.push_back(s);
+                bon = bon && Lance({prog, commande}, travail.string(), s, m);
                 temps.push_back(s);
                 pic = std::max(pic, m);
-                octets = 0;
-                for (const auto& e : fs::directory_iterator(travail))
-                    if (e.path().extension() == ".c") octets += e.file_size();
-                // The floor: the same picture decoded, a file of the same size written.
-                bon = bon && Lance({moi, "plancher", image, std::to_string(octets), "plancher.out"}, travail.string(),
-                                   s, m);
-                planchers.push_back(s);
             }
             if (!bon) {
                 printf("%-46s %6s   failed\n", c.nom, ext);
