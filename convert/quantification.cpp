@@ -839,6 +839,15 @@ struct Octree {
         return n;
     }
 
+    // A colour met for the first time walks in, and the tree reduces to
+    // place leaves. Gives false when it cannot (kept out of the pixel loop).
+    __attribute__((noinline)) bool Premiere(uint32_t code, int place) {
+        Insere((int)(code & 31) << 3, (int)(code >> 5 & 31) << 3, (int)(code >> 10) << 3);
+        while (feuilles > place)
+            if (!Reduit()) return false;
+        return true;
+    }
+
     // Folds the first node of the deepest level with a reducible node into a
     // leaf. Gives false when nothing is left to fold.
     bool Reduit() {
@@ -974,37 +983,45 @@ int ReductionOptimale(uint32_t* indices, uint8_t* palette, int hauteur, int larg
     // colours are first met: a colour met again ends at the leaf it made or at
     // an ancestor folded since, which makes no node, and what a leaf holds
     // only ever moves up into its parent. So a colour walks the tree when it
-    // is first met, the tree reduces then, and its pixels are counted here and
+    // is first met, the tree reduces then, and its pixels are counted and
     // added to the leaf it ends at once the picture is read.
-    std::vector<uint32_t> nombres(CODES, 0);
     constexpr uint32_t SANS_COULEUR = CODES; // a mask pixel in indices until the mapping
+    std::vector<uint32_t> nombres(CODES + 1, 0);
+    uint32_t vues[CODES / 32] = {};
     Octree arbre;
     arbre.Nouveau(0);
     bool rempli = true;
     // From the bottom row upward, as the picture lies in memory. Each pixel's
-    // code waits in indices for the mapping.
+    // code waits in indices for the mapping; those are counted afterwards in
+    // a loop of their own, the others (beyond the area) here.
     for (int rangee = 0; rangee < hg && rempli; ++rangee) {
         const int y = hg - 1 - rangee;
         const uint8_t* ligne = PixelGarde(0, y);
         uint32_t* sortie = y < h ? indices + (size_t)y * largeur : nullptr;
+        const int gardes = sortie ? l : 0;
         for (int x = 0; x < lg; ++x) {
             const uint8_t* p = ligne + 3 * x;
             uint32_t code = SANS_COULEUR;
             if (!EstMasque(p[2], p[1], p[0])) {
                 code = (uint32_t)(TableRouge[p[2]] & 31) | (uint32_t)(TableVerte[p[1]] & 31) << 5 |
                        (uint32_t)(TableBleue[p[0]] & 31) << 10;
-                if (nombres[code]++ == 0) {
-                    arbre.Insere((int)(code & 31) << 3, (int)(code >> 5 & 31) << 3, (int)(code >> 10) << 3);
-                    while (arbre.feuilles > place && rempli) rempli = arbre.Reduit();
+                if (!(vues[code >> 5] >> (code & 31) & 1)) {
+                    vues[code >> 5] |= 1u << (code & 31);
+                    rempli = arbre.Premiere(code, place);
                     if (!rempli) break;
                 }
             }
-            if (sortie && x < l) sortie[x] = code;
+            if (x < gardes) sortie[x] = code;
+            else ++nombres[code];
         }
     }
     if (!rempli) {
         LibereImageGardee();
         return 0;
+    }
+    for (int y = 0; y < h; ++y) {
+        const uint32_t* ligne = indices + (size_t)y * largeur;
+        for (int x = 0; x < l; ++x) ++nombres[ligne[x]];
     }
     for (uint32_t code = 0; code < (uint32_t)CODES; ++code) {
         const uint64_t n = nombres[code];
