@@ -220,6 +220,24 @@ size_t FormateEntier(char* sortie, const Segment& s, uint32_t valeur) {
     return k;
 }
 
+// A template of the value loops, read once. The usual ones are some
+// characters 8 and then plain text at least as long ("\b\r\n"): in the
+// buffer such a one takes back bytes and writes over them all, which the
+// writer does with one copy.
+struct GabaritLu {
+    const char* texte;
+    size_t recul = 0, longueur = 0; // the characters 8, then the text after them
+    bool simple = false;
+    explicit GabaritLu(const char* g) : texte(g) {
+        if (!g) return;
+        while (g[recul] == '\b') ++recul;
+        const char* reste = g + recul;
+        if (strchr(reste, '%') || strchr(reste, '\b')) return;
+        longueur = strlen(reste);
+        simple = longueur >= recul && longueur <= 256;
+    }
+};
+
 // What the value loops write: bytes gathered in memory and handed to the file
 // in large blocks. A character 8 moves the place of the next byte one back,
 // in memory or in the file, without cutting anything: a byte that is not
@@ -253,6 +271,20 @@ class Redacteur {
                 Marque();
             }
         }
+    }
+
+    // As Gabarit(g.texte): with nothing gathered past the place and the
+    // bytes to take back in the buffer, one copy.
+    void Gabarit(const GabaritLu& g) {
+        if (g.simple && haut == n && n >= g.recul && n - g.recul + g.longueur <= sizeof tampon) {
+            n -= g.recul;
+            const char* texte = g.texte + g.recul;
+            for (size_t k = 0; k < g.longueur; ++k) tampon[n + k] = texte[k]; // a few bytes: no call
+            n += g.longueur;
+            haut = n;
+            return;
+        }
+        Gabarit(g.texte);
     }
 
     void Valeur(const FormatValeur& f, uint32_t valeur) {
@@ -307,21 +339,34 @@ class Redacteur {
                 ici = n;
             }
             // As many values as surely fit, with no check of the room left.
-            size_t lot = (sizeof tampon - ici) / place;
-            if (lot > nombre - i) lot = nombre - i;
-            for (const size_t fin = i + lot; i < fin; ++i) {
-                const uint32_t valeur = valeurs[i];
-                if (valeur >= FormatValeur::VALEURS_MEMOIRE) {
-                    ici = (size_t)(Formate(f, valeur, base + ici) - base);
-                    continue;
-                }
-                FormatValeur::Forme& forme = memoire[valeur];
-                if (!forme.longueur) Garde(f, valeur, forme);
-                memcpy(base + ici, forme.octets, sizeof forme.octets);
-                ici += forme.longueur - 1u;
-            }
+            size_t lot = nombre - i;
+            if (ici + lot * place > sizeof tampon) lot = (sizeof tampon - ici) / place;
+            // Forms of up to 16 bytes (the usual "0x%02x, ") take one copy.
+            if (f.longueurMax <= 16) ici = Lot<16>(f, memoire, valeurs, i, i + lot, base, ici);
+            else ici = Lot<sizeof(FormatValeur::Forme::octets)>(f, memoire, valeurs, i, i + lot, base, ici);
+            i += lot;
         }
         n = haut = ici;
+    }
+
+    // Values i..fin - 1 from ici, each form copied at a fixed size; gives the
+    // place after them.
+    template <size_t COPIE>
+    static size_t Lot(const FormatValeur& f, FormatValeur::Forme* memoire, const uint32_t* valeurs, size_t i,
+                      size_t fin, char* base, size_t ici) {
+        for (; i < fin; ++i) {
+            const uint32_t valeur = valeurs[i];
+            if (valeur >= FormatValeur::VALEURS_MEMOIRE) {
+                ici = (size_t)(Formate(f, valeur, base + ici) - base);
+                continue;
+            }
+            FormatValeur::Forme& forme = memoire[valeur];
+            if (!forme.longueur) Garde(f, valeur, forme);
+            const size_t longueur = forme.longueur - 1u;
+            memcpy(base + ici, forme.octets, COPIE);
+            ici += longueur;
+        }
+        return ici;
     }
 
     // Makes and keeps the written form of a value (out of the loop above).
@@ -427,8 +472,8 @@ namespace {
 struct Compteur {
     explicit Compteur(int32_t n) : n(n) {}
     void Remet() { v = reste = 0; }
-    void Avant(Redacteur& r, const SectionFormat& section) const {
-        if (n >= 1 && v >= 1 && reste == 0) r.Gabarit(section.every_x);
+    void Avant(Redacteur& r, const GabaritLu& chaque) const {
+        if (n >= 1 && v >= 1 && reste == 0) r.Gabarit(chaque);
     }
     void Avance(int pas) {
         v += pas;
@@ -450,20 +495,21 @@ void EcritValeursLignes(FILE* fichier, const SectionFormat& section, const char*
     FormatValeur f;
     f.Compile(element, (size_t)(largeur > 0 ? largeur : 0) * (size_t)(hauteur > 0 ? hauteur : 0));
     Redacteur r(fichier);
+    const GabaritLu chaque(section.every_x), ligne(section.line);
     Compteur c(section.n_every);
     for (int y = 0; y < hauteur; ++y) {
         if (colonne) c.Remet();
         const uint32_t* rangee = valeurs + (size_t)y * (size_t)largeur;
         // Runs of values up to the next every_x, each written in one go.
         for (int x = 0; x < largeur;) {
-            c.Avant(r, section);
+            c.Avant(r, chaque);
             const int64_t reste = largeur - x;
             const int suite = (int)(c.n >= 1 && c.n - c.reste < reste ? c.n - c.reste : reste);
             r.Suite(f, rangee + x, (size_t)suite);
             c.Avance(suite);
             x += suite;
         }
-        r.Gabarit(section.line);
+        r.Gabarit(ligne);
     }
 }
 
@@ -471,9 +517,10 @@ void EcritValeursPalette(FILE* fichier, const SectionFormat& section, const uint
     FormatValeur f;
     f.Compile(section.element);
     Redacteur r(fichier);
+    const GabaritLu chaque(section.every_x);
     Compteur c(section.n_every);
     for (int i = 0; i < nombre; ++i) {
-        c.Avant(r, section);
+        c.Avant(r, chaque);
         r.Valeur(f, couleurs[i]);
         c.Avance(1);
     }
@@ -489,17 +536,18 @@ void EcritValeursMosaique(FILE* fichier, const SectionFormat& section, const uin
     f.Compile(profondeur == 4 ? section.element2 : profondeur == 15 ? section.element3 : section.element,
               (size_t)(nbTuiles > 0 ? nbTuiles : 0) * (size_t)(pixelsParTuile > 0 ? pixelsParTuile : 0));
     Redacteur r(fichier);
+    const GabaritLu chaque(section.every_x), ligne(section.line);
     Compteur c(section.n_every);
     for (int t = 0; t < nbTuiles; ++t) {
         if (dansTuile) c.Remet();
         const uint32_t* tuile = pixels + (size_t)t * (size_t)pixelsParTuile;
         for (int i = 0; i < pixelsParTuile; i += pas) {
-            c.Avant(r, section);
+            c.Avant(r, chaque);
             uint32_t valeur = tuile[i];
             if (pas == 2) valeur = (tuile[i] & 0xf) | (i + 1 < pixelsParTuile ? (tuile[i + 1] & 0xf) << 4 : 0);
             r.Valeur(f, valeur);
             c.Avance(dansTuile ? pas : 1);
         }
-        r.Gabarit(section.line);
+        r.Gabarit(ligne);
     }
 }
