@@ -124,6 +124,9 @@ int Temps(const char* programme, const char* images, int essais, const char* fil
             long pic = 0;
             uintmax_t octets = 0;
             auto prepare = [&] {
+                // Each run starts with no file data waiting to be written,
+                // whatever the runs before it left.
+                sync();
                 fs::remove_all(travail);
                 fs::create_directories(travail);
                 fs::copy_file(fs::path(images) / image, travail / image);
@@ -146,6 +149,7 @@ int Temps(const char* programme, const char* images, int essais, const char* fil
                 bon = prepare() &&
                       Lance({moi, "plancher", image, std::to_string(octets), "plancher.out"}, travail.string(), s, m);
                 planchers.push_back(s);
+                sync(); // nor what the floor wrote
                 bon = bon && Lance({prog, commande}, travail.string(), s, m);
                 temps.push_back(s);
                 pic = std::max(pic, m);
