@@ -535,13 +535,6 @@ void ComptesDescendants(Espace& e, const Source& s, const uint8_t* palette, int 
     }
 }
 
-// The last pass of a search, over a large picture: its triples are known
-// beforehand (the count at that threshold adds them, in the order the pass
-// would), so the second half of the pixels can start from the triples added
-// before it and run on a second thread beside the first half. The indices
-// and the palette are those of one pass.
-constexpr size_t PIXELS_POUR_DEUX = 65536;
-
 // The last pass at threshold 0, once counted: a colour is matched only by a
 // triple equal to it, the last such given triple from debut or else the one
 // added for it, and the count has listed both kinds in order. Each colour's
@@ -564,6 +557,13 @@ int PasseExacte(Espace& e, const Source& s, uint32_t* indices, uint8_t* palette,
     EcritTriples(palette, p, fixes);
     return ReglagesConv.utilMaxCoul ? limite : p.n;
 }
+
+// The last pass of a search (at threshold 0, the one above). Over a large
+// picture its triples are known beforehand (the count at that threshold adds
+// them, in the order the pass would), so the second half of the pixels can
+// start from the triples added before it and run on a second thread beside
+// the first half. The indices and the palette are those of one pass.
+constexpr size_t PIXELS_POUR_DEUX = 65536;
 
 int PasseFinale(Espace& e, const Source& s, uint32_t* indices, uint8_t* palette, int seuil, int fixes, int debut,
                 int maxi, uint32_t transparent) {
