@@ -3,11 +3,27 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstring>
 #include <sys/stat.h>
-#include <vector>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
 #include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::set<std::string> Fichiers(const std::string& dossier) {
+    std::set<std::string> noms;
+    for (const auto& f : std::filesystem::directory_iterator(dossier))
+        noms.insert(f.path().filename().string());
+    return noms;
+}
+
+} // namespace
 
 TEST(Fichiers, CheminCompletResoutPointsEtRelatifs) {
     DossierTemporaire dossier;
@@ -64,8 +80,16 @@ TEST(Fichiers, RepertoireCourantSansSeparateurFinal) {
 }
 
 // A file written whole or not at all: the old one stays when the writing
-// fails, and nothing is left behind but the target.
-TEST(Fichiers, EcritureSureRemplaceOuLaisseLAncien) {
+// fails, and nothing is left behind but the target. Anonymous temporary files
+// and named ones behave the same.
+class EcritureSureDesDeuxSortes : public testing::TestWithParam<bool> {
+  protected:
+    void SetUp() override { TemporairesAnonymes = GetParam(); }
+    void TearDown() override { TemporairesAnonymes = true; }
+};
+INSTANTIATE_TEST_SUITE_P(Fichiers, EcritureSureDesDeuxSortes, testing::Bool());
+
+TEST_P(EcritureSureDesDeuxSortes, RemplaceOuLaisseLAncien) {
     DossierTemporaire dossier;
     EcritFichier(dossier.Dans("cible.txt"), "ancien contenu");
     chmod("cible.txt", 0640);
@@ -79,11 +103,8 @@ TEST(Fichiers, EcritureSureRemplaceOuLaisseLAncien) {
         return TermineEcritureSure(e);
     };
     auto fichiers = [] {
-        std::vector<std::string> noms;
-        for (const auto& e : std::filesystem::directory_iterator("."))
-            noms.push_back(e.path().filename().string());
-        std::sort(noms.begin(), noms.end());
-        return noms;
+        const std::set<std::string> noms = Fichiers(".");
+        return std::vector<std::string>(noms.begin(), noms.end());
     };
 
     OctetsAvantEchecEcriture = 5; // a full disk after 5 bytes
@@ -119,4 +140,57 @@ TEST(Fichiers, EcritureSureRemplaceOuLaisseLAncien) {
     AbandonneEcritureSure(e);
     EXPECT_EQ(LitFichier(dossier.Dans("cible.txt")), "nouveau!");
     EXPECT_EQ(fichiers(), (std::vector<std::string>{"cible.txt", "neuf.txt"}));
+}
+
+// The files of one set take their places together: a failure on the second
+// leaves the first as it was. A link is written through to its file.
+TEST_P(EcritureSureDesDeuxSortes, JeuEnsembleOuPasDuTout) {
+    DossierTemporaire dossier;
+    EcritFichier(dossier.Dans("a.txt"), "ancien");
+    std::filesystem::create_directory("vrai");
+    std::filesystem::create_symlink("vrai/b.txt", "b.txt");
+    EcritureSure a, b;
+    EcritureSure* jeu[] = {&a, &b};
+    auto Commence = [&] {
+        ASSERT_NE(CommenceEcritureSure(a, "a.txt"), nullptr);
+        ASSERT_NE(CommenceEcritureSure(b, "b.txt"), nullptr);
+        fputs("neuf a", a.fichier);
+        fputs("neuf b", b.fichier);
+        ASSERT_EQ(AcheveEcritureSure(a), 1);
+        ASSERT_EQ(AcheveEcritureSure(b), 1);
+    };
+    Commence();
+    std::filesystem::create_directory("vrai/b.txt"); // b's place is taken
+    int echec = -1;
+    EXPECT_EQ(PlaceEcrituresSures(jeu, 2, &echec), 0);
+    EXPECT_EQ(echec, 1);
+    EXPECT_EQ(b.erreur, EISDIR);
+    EXPECT_EQ(LitFichier("a.txt"), "ancien");
+    EXPECT_EQ(Fichiers("."), (std::set<std::string>{"a.txt", "b.txt", "vrai"}));
+    EXPECT_EQ(Fichiers("vrai"), std::set<std::string>{"b.txt"});
+
+    std::filesystem::remove("vrai/b.txt");
+    Commence();
+    EXPECT_EQ(PlaceEcrituresSures(jeu, 2, &echec), 1);
+    EXPECT_EQ(LitFichier("a.txt"), "neuf a");
+    EXPECT_TRUE(std::filesystem::is_symlink("b.txt"));
+    EXPECT_EQ(LitFichier("vrai/b.txt"), "neuf b");
+    EXPECT_EQ(Fichiers("."), (std::set<std::string>{"a.txt", "b.txt", "vrai"}));
+}
+
+// Named temporary files go with the process that a SIGTERM ends.
+TEST(Fichiers, TemporaireNommeSupprimeAuSigterm) {
+    DossierTemporaire dossier;
+    const pid_t pid = fork();
+    if (pid == 0) {
+        TemporairesAnonymes = false;
+        EcritureSure e;
+        if (CommenceEcritureSure(e, "c.txt")) fputs("perdu", e.fichier);
+        raise(SIGTERM);
+        _exit(0);
+    }
+    int etat = 0;
+    ASSERT_EQ(waitpid(pid, &etat, 0), pid);
+    EXPECT_TRUE(WIFSIGNALED(etat) && WTERMSIG(etat) == SIGTERM);
+    EXPECT_TRUE(Fichiers(".").empty());
 }
