@@ -4,7 +4,9 @@
 #include "platform/imagefichier.h"
 
 #include <cstdlib>
+#include <cerrno>
 #include <cstring>
+#include <sys/stat.h>
 
 namespace {
 
@@ -102,8 +104,15 @@ uint8_t* LitFichierEntier(const char* chemin, size_t& taille) {
     taille = 0;
     FILE* f = OuvreFichier(chemin, "rb");
     if (!f) return nullptr;
+    struct stat etat;
+    if (fstat(fileno(f), &etat) == 0 && S_ISDIR(etat.st_mode)) {
+        fclose(f);
+        errno = EISDIR;
+        return nullptr;
+    }
     uint8_t* donnees = nullptr;
     long longueur = -1;
+    errno = 0;
     if (fseek(f, 0, SEEK_END) == 0) longueur = ftell(f);
     if (longueur >= 0 && (unsigned long)longueur <= TAILLE_FICHIER_IMAGE_MAX && fseek(f, 0, SEEK_SET) == 0) {
         donnees = (uint8_t*)malloc(longueur > 0 ? (size_t)longueur : 1);
@@ -111,8 +120,12 @@ uint8_t* LitFichierEntier(const char* chemin, size_t& taille) {
             free(donnees);
             donnees = nullptr;
         }
+    } else if (longueur > 0) {
+        errno = EFBIG;
     }
+    const int erreur = errno ? errno : EIO;
     fclose(f);
+    errno = donnees ? 0 : erreur;
     if (donnees) taille = (size_t)longueur;
     return donnees;
 }

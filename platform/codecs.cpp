@@ -533,23 +533,62 @@ bool CodecsDisponibles() {
 #endif
 }
 
-int LitImageMemoire(const uint8_t* d, size_t n, Image& image, int& bitsFichier, const uint8_t transparent[3]) {
-    LibereImage(image);
-    if (!d) return 0;
-    int bon = 0;
-    if (Commence(d, n, "BM", 2)) return LitBmp(d, n, image, bitsFichier);
+namespace {
+
+enum TypeImage { IMAGE_INCONNUE, IMAGE_BMP, IMAGE_PNG, IMAGE_JPEG, IMAGE_GIF, IMAGE_TIFF };
+
+// The type the first bytes announce, among those built in.
+TypeImage Reconnait(const uint8_t* d, size_t n) {
+    if (!d) return IMAGE_INCONNUE;
+    if (Commence(d, n, "BM", 2)) return IMAGE_BMP;
 #ifdef TESS_PNG
-    if (Commence(d, n, "\x89PNG\r\n\x1a\n", 8)) bon = LitPng(d, n, image, transparent);
+    if (Commence(d, n, "\x89PNG\r\n\x1a\n", 8)) return IMAGE_PNG;
 #endif
 #ifdef TESS_JPEG
-    if (Commence(d, n, "\xFF\xD8\xFF", 3)) bon = LitJpeg(d, n, image);
+    if (Commence(d, n, "\xFF\xD8\xFF", 3)) return IMAGE_JPEG;
 #endif
 #ifdef TESS_GIF
-    if (Commence(d, n, "GIF87a", 6) || Commence(d, n, "GIF89a", 6)) bon = LitGif(d, n, image, transparent);
+    if (Commence(d, n, "GIF87a", 6) || Commence(d, n, "GIF89a", 6)) return IMAGE_GIF;
 #endif
 #ifdef TESS_TIFF
-    if (Commence(d, n, "II*\0", 4) || Commence(d, n, "MM\0*", 4)) bon = LitTiff(d, n, image, transparent);
+    if (Commence(d, n, "II*\0", 4) || Commence(d, n, "MM\0*", 4)) return IMAGE_TIFF;
 #endif
+    return IMAGE_INCONNUE;
+}
+
+} // namespace
+
+bool TypeImageConnu(const uint8_t* donnees, size_t taille) { return Reconnait(donnees, taille) != IMAGE_INCONNUE; }
+
+int LitImageMemoire(const uint8_t* d, size_t n, Image& image, int& bitsFichier, const uint8_t transparent[3]) {
+    LibereImage(image);
+    int bon = 0;
+    switch (Reconnait(d, n)) {
+    case IMAGE_BMP:
+        return LitBmp(d, n, image, bitsFichier);
+#ifdef TESS_PNG
+    case IMAGE_PNG:
+        bon = LitPng(d, n, image, transparent);
+        break;
+#endif
+#ifdef TESS_JPEG
+    case IMAGE_JPEG:
+        bon = LitJpeg(d, n, image);
+        break;
+#endif
+#ifdef TESS_GIF
+    case IMAGE_GIF:
+        bon = LitGif(d, n, image, transparent);
+        break;
+#endif
+#ifdef TESS_TIFF
+    case IMAGE_TIFF:
+        bon = LitTiff(d, n, image, transparent);
+        break;
+#endif
+    default:
+        break;
+    }
     (void)transparent;
     if (bon) bitsFichier = 24;
     return bon;

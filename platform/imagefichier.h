@@ -24,7 +24,7 @@ extern int64_t PixelsImageMax;
 bool TailleImageAdmise(int64_t largeur, int64_t hauteur);
 
 // Reads a whole file, at most TAILLE_FICHIER_IMAGE_MAX bytes. Gives a malloc'd
-// buffer (free it) or null.
+// buffer (free it), or null with errno saying why (EFBIG: too large).
 uint8_t* LitFichierEntier(const char* chemin, size_t& taille);
 
 // BMP: core and info headers up to V5; 1, 4 and 8 bits with a palette, 16 bits
@@ -56,6 +56,9 @@ bool CodecsDisponibles();
 // bitsFichier is 24 except for BMP content. Gives 1 on success.
 int LitImageMemoire(const uint8_t* donnees, size_t taille, Image& image, int& bitsFichier,
                     const uint8_t transparent[3]);
+
+// True when the first bytes are those of a type that LitImageMemoire reads.
+bool TypeImageConnu(const uint8_t* donnees, size_t taille);
 
 // Writes the top largeur x hauteur pixels of a bottom-up 24-bit picture with
 // the encoder of that MIME type: "image/png", "image/jpeg", "image/bmp",

@@ -72,3 +72,17 @@ bool Verifie(bool valeur, const char* condition) {
     }
     return valeur;
 }
+
+RigueurLot Rigueur;
+
+void SignaleEchec(const char* format, ...) {
+    ++Rigueur.echecs;
+    if (!Rigueur.stricte) return;
+    char texte[2048];
+    va_list args;
+    va_start(args, format);
+    vsnprintf(texte, sizeof texte, format, args);
+    va_end(args);
+    fprintf(stderr, "tessellarium: %s\n", texte);
+    fflush(stderr);
+}

@@ -65,3 +65,17 @@ int BoiteMessageV(const char* titre, int style, const char* format, va_list args
 // is false: <condition>" titled "Internal error" and gives the condition's value.
 bool Verifie(bool valeur, const char* condition);
 #define VERIFIE(condition) Verifie((condition), #condition)
+
+// ---- Strict batch runs -----------------------------------------------------------
+
+// A batch run asked to be strict (--strict, for Makefiles): besides the
+// system's own message, every failure writes one line
+// "tessellarium: <file>: <reason>" on standard error, and the run ends with
+// exit code 1 if any came. Failures are counted in every run; only a strict
+// one writes the lines.
+struct RigueurLot {
+    bool stricte = false;
+    int echecs = 0;
+};
+extern RigueurLot Rigueur;
+void SignaleEchec(const char* format, ...) __attribute__((format(printf, 1, 2)));
