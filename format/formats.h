@@ -62,6 +62,9 @@ extern DefinitionFormat TableFormats[NB_FORMATS_MAX];
 extern int NbFormats;
 extern FormatChoisi FormatCourant;
 
+// The built-in "Standard" (C source) is the format in force.
+inline bool FormatCourantEstC() { return FormatCourant.slot == 0; }
+
 // Start-up: empties the table, builds "Standard" in slot 0 and chooses it.
 void InitialiseFormats();
 // Reads a definition block from the script file for the format of that name:

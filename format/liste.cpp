@@ -89,7 +89,7 @@ bool TrouveChamp(const ModeleParametres& modele, const char* nom, Champ& champ) 
 
 void ConstruitGabaritListe() {
     std::string g = FormatCourant.sections[SECTION_LIST].element;
-    if (FormatCourant.slot == 0) {
+    if (FormatCourantEstC()) {
         const ModeleParametres& modele = ModeleChoisi();
         size_t debut = 0;
         while ((debut = g.find("#+param:", debut)) != std::string::npos) {
