@@ -1,5 +1,7 @@
 #include "core/chaines.h"
 
+#include <cstring>
+
 void EcritChaineEchappee(char* sortie, const char* texte, char guillemet, size_t taille) {
     if (!sortie || taille < 3) {
         if (sortie && taille) sortie[0] = 0;
@@ -58,4 +60,32 @@ const char* CopieChaineEchappee(char* sortie, const char* texte, size_t taille) 
     }
     if (sortie && taille) sortie[pos] = 0;
     return fin + 1;
+}
+
+namespace {
+
+bool CaractereIdentifiant(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+}
+
+} // namespace
+
+bool EstIdentifiantC(const char* nom) {
+    if (!nom || !*nom || (*nom >= '0' && *nom <= '9')) return false;
+    for (const char* p = nom; *p; ++p)
+        if (!CaractereIdentifiant(*p)) return false;
+    return true;
+}
+
+void RendIdentifiantC(char* nom, size_t taille) {
+    if (!nom || taille < 2) return;
+    size_t n = 0;
+    for (char* p = nom; *p; ++p, ++n)
+        if (!CaractereIdentifiant(*p)) *p = '_';
+    if (nom[0] >= '0' && nom[0] <= '9') {
+        if (n + 1 >= taille) n = taille - 2; // the last character makes room
+        memmove(nom + 1, nom, n);
+        nom[0] = '_';
+        nom[n + 1] = 0;
+    }
 }

@@ -17,3 +17,10 @@ void EcritChaineEchappee(char* sortie, const char* texte, char guillemet, size_t
 const char* CopieChaineEchappee(char* sortie, const char* texte, size_t taille);
 
 inline bool EstGuillemet(char c) { return c == '"' || c == '\'' || c == '*'; }
+
+// C names. A name is one when it holds only ASCII letters, digits and '_' and
+// does not begin with a digit.
+bool EstIdentifiantC(const char* nom);
+// Makes nom one in place: any other character becomes '_', and a name that
+// begins with a digit gets a '_' in front, the end cut to stay within taille.
+void RendIdentifiantC(char* nom, size_t taille);

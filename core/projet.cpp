@@ -20,6 +20,7 @@
 
 char* DonneesProjet = nullptr;
 size_t TailleDonneesProjet = 0;
+ProjetIncomplet ProjetTronque;
 
 // ---- Reading lines and sections ----------------------------------------------
 
@@ -29,14 +30,24 @@ int LitLigneTexte(FILE* fichier, char* ligne, size_t taille) {
         return 0;
     }
     size_t n = strlen(ligne);
-    if (n > 0 && ligne[n - 1] == '\n') ligne[--n] = 0;
-    else if (n > 0 && ligne[n - 1] == '\r') {
+    int resultat = 1;
+    if (n > 0 && ligne[n - 1] == '\n') {
+        ligne[--n] = 0;
+    } else if (n > 0 && ligne[n - 1] == '\r') {
         // A full buffer that ends between CR and LF: the LF belongs to this line.
         int c = fgetc(fichier);
         if (c != '\n' && c != EOF) ungetc(c, fichier);
+    } else if (n + 1 >= taille) {
+        // The buffer is full: the line is whole when its line feed or the end
+        // of the file comes next.
+        const int c = fgetc(fichier);
+        if (c != '\n' && c != EOF) {
+            ungetc(c, fichier);
+            resultat = 2;
+        }
     }
     if (n > 0 && ligne[n - 1] == '\r') ligne[--n] = 0;
-    return 1;
+    return resultat;
 }
 
 namespace {
@@ -79,12 +90,31 @@ FILE* TrouveSection(const char* chemin, const char* nom) {
 
 namespace {
 
+// Notes the first limit a project passed on reading.
+void NoteLimite(const char* chemin, const char* raison) {
+    if (ProjetTronque.raison[0]) return;
+    CopieBornee(ProjetTronque.raison, raison);
+    if (!CheminComplet(chemin, ProjetTronque.chemin, sizeof ProjetTronque.chemin))
+        CopieBornee(ProjetTronque.chemin, chemin);
+}
+
+// Copies a field of a row, noting a value cut at the field's width.
+void CopieChamp(char* champ, size_t taille, const char* valeur, const char* chemin) {
+    if (CopieBornee(champ, taille, valeur) < strlen(valeur))
+        NoteLimite(chemin, "an element's name, folder or path is longer than its field (30, 32 and 259 characters)");
+}
+
 // Reads the rows of the `fichiers` section. Keys may stand in any order; any
 // other line ends a row and is used up; a line that begins with "fin" or
 // ".section" ends the list.
-void LitListeElements(FILE* fichier) {
+void LitListeElements(FILE* fichier, const char* chemin) {
     char ligne[LONGUEUR_LIGNE_PROJET + 1];
-    bool encore = LitLigneTexte(fichier, ligne, sizeof ligne);
+    auto lit = [&] {
+        const int lu = LitLigneTexte(fichier, ligne, sizeof ligne);
+        if (lu == 2) NoteLimite(chemin, "a line of its element list is longer than 2047 characters");
+        return lu != 0;
+    };
+    bool encore = lit();
     while (encore) {
         const char* p = SauteBlancs(ligne);
         const char* nom = ApresCle(p, "El\xE9ment: ");
@@ -92,14 +122,14 @@ void LitListeElements(FILE* fichier) {
             char* q = (char*)p;
             MinusculesAscii(q);
             if (strncmp(q, "fin", 3) == 0 || strncmp(q, ".section", 8) == 0) return;
-            encore = LitLigneTexte(fichier, ligne, sizeof ligne);
+            encore = lit();
             continue;
         }
         ElementProjet e{};
-        CopieBornee(e.nom, nom);
+        CopieChamp(e.nom, sizeof e.nom, nom, chemin);
         bool garde = true;
         for (;;) {
-            encore = LitLigneTexte(fichier, ligne, sizeof ligne);
+            encore = lit();
             if (!encore) break; // the end of the file ends the row
             const char* q = SauteBlancs(ligne);
             const char* reste;
@@ -116,22 +146,22 @@ void LitListeElements(FILE* fichier) {
                 }
                 // An unknown type drops the row; the next line is read as any other.
                 garde = false;
-                encore = LitLigneTexte(fichier, ligne, sizeof ligne);
+                encore = lit();
                 break;
             } else if ((reste = ApresCle(q, "Fichier: "))) {
-                CopieBornee(e.fichier, reste);
+                CopieChamp(e.fichier, sizeof e.fichier, reste, chemin);
             } else if ((reste = ApresCle(q, "Base: "))) {
-                CopieBornee(e.fichierBase, reste);
+                CopieChamp(e.fichierBase, sizeof e.fichierBase, reste, chemin);
             } else if ((reste = ApresCle(q, "Dossier: "))) {
-                CopieBornee(e.dossier, reste);
+                CopieChamp(e.dossier, sizeof e.dossier, reste, chemin);
                 e.type |= ELEMENT_RANGE;
             } else {
                 // Any other line ends the row and is used up.
-                encore = LitLigneTexte(fichier, ligne, sizeof ligne);
+                encore = lit();
                 break;
             }
         }
-        if (garde) AjouteElementBrut(e); // refused past the table's 1000 rows
+        if (garde && AjouteElementBrut(e) < 0) NoteLimite(chemin, "it holds more than 1000 elements");
     }
 }
 
@@ -153,6 +183,7 @@ void ChargeProjet(const char* chemin) {
     free(DonneesProjet);
     DonneesProjet = nullptr;
     TailleDonneesProjet = 0;
+    ProjetTronque = ProjetIncomplet{};
 
     FILE* fichier = OuvreFichier(chemin, "rb");
     if (!fichier) return; // no project yet: the empty project stays
@@ -170,7 +201,7 @@ void ChargeProjet(const char* chemin) {
 
     NbElements = 0;
     if ((fichier = TrouveSection(chemin, "fichiers"))) {
-        LitListeElements(fichier);
+        LitListeElements(fichier, chemin);
         fclose(fichier);
     }
     if ((fichier = TrouveSection(chemin, "infos"))) Crochets.executeScript(fichier, nullptr);
@@ -185,10 +216,17 @@ void ChargeProjet(const char* chemin) {
                 if (!(DonneesProjet[i] == '\r' && i + 1 < lus && DonneesProjet[i + 1] == '\n'))
                     DonneesProjet[n++] = DonneesProjet[i];
             TailleDonneesProjet = n;
+            if (lus == TAILLE_DONNEES_MAX && fgetc(fichier) != EOF)
+                NoteLimite(chemin, "its donn\xE9" "es section is longer than 1000000 bytes");
             fseek(fichier, position, SEEK_SET);
         }
         Crochets.executeScript(fichier, nullptr);
     }
+    if (ProjetTronque.raison[0])
+        BoiteMessageF("Project file", BOITE_OK | ICONE_ATTENTION,
+                      "%s does not fit in memory: %s.\nIt will not be saved over, so nothing in it is lost; "
+                      "elements added now are not recorded in it.",
+                      chemin, ProjetTronque.raison);
 }
 
 // ---- SauveProjet -------------------------------------------------------------
@@ -275,9 +313,14 @@ void SauveProjet(const char* chemin) {
         if (!choisi[0]) return;
         chemin = choisi;
     }
-    // Written whole or not at all: a failed save leaves the old project.
-    EcritureSure ecriture;
-    FILE* f = CommenceEcritureSure(ecriture, chemin);
+    if (ProjetTronque.raison[0] && MemeFichier(chemin, ProjetTronque.chemin)) {
+        SignaleEchec("%s: not saved: %s", chemin, ProjetTronque.raison);
+        return;
+    }
+    // Made in memory first: a file that holds these very bytes is left alone.
+    char* texte = nullptr;
+    size_t taille = 0;
+    FILE* f = open_memstream(&texte, &taille);
     if (!f) return;
     fputs(ENTETE_PROJET, f);
     EcritInfos(f);
@@ -289,7 +332,16 @@ void SauveProjet(const char* chemin) {
         fwrite(DonneesProjet, 1, TailleDonneesProjet, f);
     else
         fputs("  End\n\n\n\n", f);
-    TermineEcritureSure(ecriture);
+    const bool fait = fclose(f) == 0 && texte;
+    if (fait && !FichierEgal(chemin, texte, taille)) {
+        // Written whole or not at all: a failed save leaves the old project.
+        EcritureSure ecriture;
+        FILE* sortie = CommenceEcritureSure(ecriture, chemin);
+        if (sortie) fwrite(texte, 1, taille, sortie);
+        if (!sortie || !TermineEcritureSure(ecriture))
+            SignaleEchec("cannot write %s: %s", chemin, strerror(ecriture.erreur));
+    }
+    free(texte);
 }
 
 // ---- The older binary form ---------------------------------------------------

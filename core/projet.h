@@ -16,8 +16,20 @@ constexpr int LONGUEUR_LIGNE_PROJET = 2047;
 extern char* DonneesProjet;
 extern size_t TailleDonneesProjet;
 
+// A project that did not fit this program's tables when it was read (more
+// than 1000 rows, a `données` section longer than its buffer, a line or a
+// field cut): `raison` says which limit, and the file in `chemin` is never
+// written over, so that nothing of it is lost. Empty after a load that fit.
+struct ProjetIncomplet {
+    char raison[200];
+    char chemin[1000];
+};
+extern ProjetIncomplet ProjetTronque;
+
 void ChargeProjet(const char* chemin);
-// Writes the project. An empty path first asks for a name.
+// Writes the project. An empty path first asks for a name. A file that holds
+// the very bytes already is not written again (its time stays), and a file
+// that was read cut short is not written over (ProjetTronque).
 void SauveProjet(const char* chemin);
 // The save dialog for a project; sortie stays empty when cancelled.
 void ChoisitNomProjet(char* sortie, size_t taille);
@@ -32,5 +44,6 @@ int ChargeAncienProjet(const char* chemin);
 void ConvertitAncienProjet(const char* chemin);
 
 // Reads one line of at most taille - 1 bytes, without its line end ("\n" or
-// "\r\n"). A longer line goes on as the next one. Gives 0 at the end of the file.
+// "\r\n"). A longer line goes on as the next one. Gives 0 at the end of the
+// file, 2 for a line cut at the limit, else 1.
 int LitLigneTexte(FILE* fichier, char* ligne, size_t taille);

@@ -196,8 +196,11 @@ TEST(ProjetAllerRetour, SauveChargeSauveDonneLesMemesOctets) {
     }
 }
 
-TEST(ProjetAllerRetour, DonneesAuDelaDuMillionCoupeesALaSauvegarde) {
+// Past its buffer the section is still run in full, and the file, which a
+// save would cut, is never written over.
+TEST(ProjetAllerRetour, DonneesAuDelaDuMillionJamaisReecrites) {
     DossierTemporaire dossier;
+    EnregistreurMessages enregistreur;
     Crochets.executeScript = ScriptEnregistre;
     AppelsScript.clear();
     std::string corps = "  End\n";
@@ -207,7 +210,18 @@ TEST(ProjetAllerRetour, DonneesAuDelaDuMillionCoupeesALaSauvegarde) {
     ASSERT_EQ(AppelsScript.size(), 2u);
     EXPECT_EQ(AppelsScript[1].texte, corps); // run in full
     EXPECT_EQ(TailleDonneesProjet, TAILLE_DONNEES_MAX);
-    EXPECT_TRUE(SauveEtLit().ends_with(OUVERTURE_DONNEES + corps.substr(0, TAILLE_DONNEES_MAX)));
+    EXPECT_STREQ(ProjetTronque.raison, "its donn\xE9" "es section is longer than 1000000 bytes");
+    AjouteElementBrut(NouvelElement(TYPE_CARTE, "neuve", "n.map.c"));
+    EXPECT_EQ(SauveEtLit(), Saisi("", corps));
+    ASSERT_EQ(enregistreur.messages.size(), 1u);
+    EXPECT_TRUE(enregistreur.messages[0].starts_with("[Project file] projet.tsl does not fit in memory: its donn"));
+
+    // Exactly the buffer's size fits; the project is saved again.
+    corps.resize(TAILLE_DONNEES_MAX);
+    Charge(Saisi("", corps));
+    EXPECT_STREQ(ProjetTronque.raison, "");
+    AjouteElementBrut(NouvelElement(TYPE_CARTE, "neuve", "n.map.c"));
+    EXPECT_NE(SauveEtLit(), Saisi("", corps));
 }
 
 // ---- Reading the element list ------------------------------------------------
@@ -250,6 +264,9 @@ TEST(ProjetLecture, MilleLignesAuPlusDansLOrdre) {
     ASSERT_EQ(NbElements, NB_ELEMENTS_MAX);
     EXPECT_STREQ(Elements[0].nom, "e0");
     EXPECT_STREQ(Elements[NB_ELEMENTS_MAX - 1].nom, "e999");
+    // The rows past the table stay in the file.
+    EXPECT_STREQ(ProjetTronque.raison, "it holds more than 1000 elements");
+    EXPECT_EQ(SauveEtLit(), Saisi(lignes));
 }
 
 TEST(ProjetLecture, ChampsEtLignesBornes) {
@@ -266,6 +283,20 @@ TEST(ProjetLecture, ChampsEtLignesBornes) {
     EXPECT_EQ(Table().substr(Table().find('\n') + 1),
               Rangee("suite", TYPE_MOSAIQUE, tresLongue.substr(0, TAILLE_CHEMIN - 1)) +
                   Rangee("fin", TYPE_PALETTE));
+    // What was cut stays in the file.
+    EXPECT_STREQ(ProjetTronque.raison,
+                 "an element's name, folder or path is longer than its field (30, 32 and 259 characters)");
+    const std::string avant = LitFichier("projet.tsl");
+    EXPECT_EQ(SauveEtLit(), avant);
+
+    // A line of exactly 2047 characters is whole; one more is cut.
+    const std::string cle = "  Fichier: ";
+    for (size_t longueur : {2047, 2048}) {
+        Charge(Saisi(Ligne("a", "carte") + cle + std::string(longueur - cle.size(), 'f') + "\n" +
+                     Ligne("b", "carte")));
+        EXPECT_EQ(NbElements, 2) << longueur;
+        EXPECT_EQ(std::string(ProjetTronque.raison).find("2047") != std::string::npos, longueur == 2048) << longueur;
+    }
 }
 
 TEST(ProjetLecture, SectionsTrouveesSansEgardALaCasseOuAbsentes) {

@@ -166,6 +166,7 @@ DossierTemporaire::DossierTemporaire() {
     free(DonneesProjet);
     DonneesProjet = nullptr;
     TailleDonneesProjet = 0;
+    ProjetTronque = ProjetIncomplet{};
     CheminProjet[0] = 0;
 }
 
