@@ -2,6 +2,7 @@
 
 #include "convert/conversion.h"
 #include "convert/images.h"
+#include "core/chaines.h"
 #include "core/chemins.h"
 #include "core/elements.h"
 #include "core/reglages.h"
@@ -11,9 +12,13 @@
 #include "platform/texte.h"
 #include "render/surfaces.h"
 
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
+#include <string>
 
 namespace {
 
@@ -40,6 +45,9 @@ struct EtatConv {
     char tdim[TAILLE_TEXTE_CONV] = "";
     char nom[TAILLE_TEXTE_CONV] = ""; // name: all five at once
     int32_t col = 255;
+    char srcDonne[TAILLE_TEXTE_CONV] = ""; // src as written, before an extension was looked for
+    int parametres = 0;                    // how many the statement named
+    std::string problemes;                 // what a strict run refuses, one per line
 };
 
 // A text the statement fills, with its room.
@@ -47,6 +55,26 @@ struct Champ {
     char* texte;
     size_t taille;
 };
+
+// Notes what a strict run refuses in the statement.
+void Refuse(EtatConv& e, const char* format, ...) __attribute__((format(printf, 2, 3)));
+void Refuse(EtatConv& e, const char* format, ...) {
+    char texte[1200];
+    va_list args;
+    va_start(args, format);
+    vsnprintf(texte, sizeof texte, format, args);
+    va_end(args);
+    e.problemes += texte;
+    e.problemes += '\n';
+}
+
+// A whole decimal number from mini to maxi.
+bool EstNombreDans(const char* texte, long mini, long maxi) {
+    char* fin;
+    errno = 0;
+    const long n = strtol(texte, &fin, 10);
+    return fin != texte && *fin == 0 && errno == 0 && n >= mini && n <= maxi;
+}
 
 enum Derivation { SANS, DERIVE_SRC, DERIVE_DST, DERIVE_MAP, DERIVE_PAL, DERIVE_NOM, DERIVE_16C };
 
@@ -135,6 +163,9 @@ const char* DerniereExtension(const char* chemin) {
     return point && (!separateur || point > separateur) ? point : nullptr;
 }
 
+const char* const TypesImage[] = {".bmp", ".png", ".jpg", ".gif", ".tif", ".jpeg", ".tiff"};
+constexpr int NB_TYPES_IMAGE = (int)(sizeof TypesImage / sizeof TypesImage[0]);
+
 void DeriveSource(EtatConv& e) {
     char base[TAILLE_TEXTE_CONV];
     CopieBornee(base, e.src);
@@ -155,19 +186,15 @@ void DeriveSource(EtatConv& e) {
     default:
         break;
     }
-    // A source named without an extension: the first picture type present.
+    // A source named without an extension: the first picture type present,
+    // the extension in any letter case; else ".bmp".
+    CopieBornee(e.srcDonne, e.src);
     if (!DerniereExtension(e.src)) {
-        static const char* const types[] = {".bmp", ".png", ".jpg", ".gif", ".tif"};
-        char essai[TAILLE_TEXTE_CONV];
-        for (const char* t : types) {
-            Concatene(essai, e.src, t);
-            if (FichierExiste(essai)) {
-                CopieBornee(e.src, essai);
-                return;
-            }
-        }
-        Concatene(essai, e.src, ".bmp");
-        CopieBornee(e.src, essai);
+        char trouve[TAILLE_TEXTE_CONV];
+        if (TrouveExtension(e.src, TypesImage, NB_TYPES_IMAGE, trouve, sizeof trouve))
+            CopieBornee(e.src, trouve);
+        else
+            AjouteBorne(e.src, TAILLE_TEXTE_CONV, ".bmp");
     }
 }
 
@@ -195,10 +222,13 @@ void DeriveDestination(EtatConv& e) {
 void Applique(EtatConv& e, const ParametreConv& p, Prefixe prefixe, const char* valeur) {
     switch (p.genre) {
     case SELECTEUR:
+        // Paths are derived when src is read: a kind behind it names no output.
+        if (e.src[0]) Refuse(e, "%s stands behind src: put the kind first", p.nom);
         e.cible = p.cible;
         return;
     case ENTIER:
         e.col = (int32_t)strtol(valeur, nullptr, 10);
+        if (!EstNombreDans(valeur, 1, 255)) Refuse(e, "%s=%s is not a number from 1 to 255", p.nom, valeur);
         return;
     case DRAPEAU: {
         if (prefixe == PREFIXE_AUCUN) return; // keeps its value
@@ -236,6 +266,34 @@ void Applique(EtatConv& e, const ParametreConv& p, Prefixe prefixe, const char* 
     default:
         break;
     }
+    // Names go into the C files as they are given.
+    if (strncmp(p.nom, "name", 4) == 0 && FormatCourantEstC() && !EstIdentifiantC(valeur))
+        Refuse(e, "%s=%s is not a C identifier", p.nom, valeur);
+}
+
+// "n", "n x m", each number at most 6 digits with an optional minus sign
+// (negative sizes get their own message).
+bool EstDimension(const char* texte) {
+    auto nombre = [](const char*& p) {
+        if (*p == '-') ++p;
+        const char* debut = p;
+        while (*p >= '0' && *p <= '9') ++p;
+        return p > debut && p - debut <= 6;
+    };
+    const char* p = texte;
+    if (!nombre(p)) return false;
+    if (*p == 'x' && !nombre(++p)) return false;
+    return *p == 0;
+}
+
+// The values that the command would read as something else, or pass over.
+void VerifieValeurs(EtatConv& e) {
+    if (e.mapmode[0] && strcmp(e.mapmode, "8") != 0 && strcmp(e.mapmode, "16") != 0 && strcmp(e.mapmode, "32") != 0)
+        Refuse(e, "mapmode=%s is not 8, 16 or 32", e.mapmode);
+    if (e.cmode[0] && e.cmode[0] != '4' && strcmp(e.cmode, "8") != 0 && strcmp(e.cmode, "15") != 0)
+        Refuse(e, "cmode=%s is not 4, 8 or 15", e.cmode);
+    if (e.mdim[0] && !EstDimension(e.mdim)) Refuse(e, "mdim=%s is not a size such as 256x256", e.mdim);
+    if (e.tdim[0] && !EstDimension(e.tdim)) Refuse(e, "tdim=%s is not a size such as 16x16", e.tdim);
 }
 
 // "width x height" or "width": the two numbers around the x.
@@ -246,12 +304,27 @@ void LitDimensions(const char* texte, int& largeur, int& hauteur, bool hauteurSa
     else if (hauteurSansX) hauteur = 0;
 }
 
+// A row named after its file. With the C format the name is a C identifier
+// ("hero-walk" gives hero_walk, "8x8font" _8x8font), as in the file's
+// declarations, so that reading the file back finds the element.
 void Ligne(ElementProjet& ligne, uint32_t type, const char* fichier, const char* source) {
     ligne = ElementProjet{};
     CopieBornee(ligne.fichierBase, source);
     CopieBornee(ligne.fichier, fichier);
     NomCourt(fichier, ligne.nom);
+    if (FormatCourantEstC()) RendIdentifiantC(ligne.nom, sizeof ligne.nom);
     ligne.type = type;
+}
+
+// The picture could not be loaded: ChargeImage says nothing, a strict run
+// says which file and why.
+bool EchecImage(const EtatConv& e) {
+    if (strcmp(e.srcDonne, e.src) != 0 && !FichierExiste(e.src))
+        SignaleEchec("cannot read picture %s: not found (no %s.bmp, .png, .jpg, .jpeg, .gif, .tif or .tiff)",
+                     e.srcDonne, e.srcDonne);
+    else
+        SignaleEchec("cannot read picture %s: %s", e.src, RaisonEchecImage);
+    return false;
 }
 
 void Reinitialise(EtatConv& e) {
@@ -266,46 +339,50 @@ void Reinitialise(EtatConv& e) {
     for (char* n : {c.nomMosaique, c.nomBitmap8, c.nomBitmap16, c.nomPalette, c.nomCarte}) n[0] = 0;
 }
 
-void Execute(EtatConv& e) {
+// Gives false when the statement failed or did nothing.
+bool Execute(EtatConv& e) {
     ReglagesConversion& c = ReglagesConv;
     if (e.upal[0]) {
         c.paletteExistante = TrouveElement(TYPE_PALETTE, e.upal);
         if (c.paletteExistante < 0) {
             MessageDebug("Internal error: TrouveElement(TYPE_PALETTE,chneUPal)");
-            return;
+            SignaleEchec("%s: upal=%s: no palette element of that name in the project", e.src, e.upal);
+            return false;
         }
     }
     if (e.util[0]) {
         c.mosaiqueExistante = TrouveElement(TYPE_MOSAIQUE, e.util);
         if (c.mosaiqueExistante < 0) {
             MessageDebug("Internal error: TrouveElement(TYPE_MOSAIQUE,chneUTil)");
-            return;
+            SignaleEchec("%s: util=%s: no tileset element of that name in the project", e.src, e.util);
+            return false;
         }
     }
     ElementProjet lignes[3];
     switch (e.cible) {
     case 3:
         Ligne(lignes[0], TYPE_BITMAP16, e.dst, e.src);
-        if (!ChargeImage(e.src, sizex, sizey, false)) return;
-        if (ConvertitBitmap16(lignes)) AjouteElement(lignes[0]);
-        return;
+        if (!ChargeImage(e.src, sizex, sizey, false)) return EchecImage(e);
+        if (!ConvertitBitmap16(lignes)) return false;
+        AjouteElement(lignes[0]);
+        return true;
     case 2:
-        if (e.col < 1 || e.col > 255) return;
+        if (e.col < 1 || e.col > 255) return false;
         Ligne(lignes[0], TYPE_BITMAP8, e.dst, e.src);
-        if (!ChargeImage(e.src, sizex, sizey, true)) return;
+        if (!ChargeImage(e.src, sizex, sizey, true)) return EchecImage(e);
         Ligne(lignes[1], TYPE_PALETTE, c.paletteExistante >= 0 ? Elements[c.paletteExistante].fichier : e.pal, e.src);
-        if (ConvertitBitmap8(lignes, e.col)) {
-            AjouteElement(lignes[0]);
-            AjouteElement(lignes[1]);
-        }
-        return;
+        if (!ConvertitBitmap8(lignes, e.col)) return false;
+        AjouteElement(lignes[0]);
+        AjouteElement(lignes[1]);
+        return true;
     case 1: {
-        if (e.col < 1 || e.col > 255) return;
+        if (e.col < 1 || e.col > 255) return false;
         int largeur = 0, hauteur = 0;
         if (e.mdim[0]) LitDimensions(e.mdim, largeur, hauteur, true);
         if (largeur < 0 || hauteur < 0) {
             MessageDebug("Negative map dimensions");
-            return;
+            SignaleEchec("%s: mdim=%s: negative size", e.src, e.mdim);
+            return false;
         }
         c.sortieLargeur = largeur;
         c.sortieHauteur = hauteur;
@@ -325,22 +402,22 @@ void Execute(EtatConv& e) {
         // A size of 0 is refused with the others: a tile has at least one unit.
         if (tilex % 8 || tiley % 8 || tilex <= 0 || tiley <= 0 || tilex > 128 || tiley > 128) {
             MessageDebug("Error on tileset dimensions (must be multiple of 8 and less than 128)");
-            return;
+            SignaleEchec("%s: tiles of %d x %d pixels: sides must be multiples of 8 up to 128", e.src, tilex, tiley);
+            return false;
         }
         EffaceImage(SurfaceApercu);
         Ligne(lignes[0], TYPE_MOSAIQUE, c.mosaiqueExistante >= 0 ? Elements[c.mosaiqueExistante].fichier : e.dst, e.src);
-        if (!ChargeImage(e.src, sizex, sizey, true)) return;
+        if (!ChargeImage(e.src, sizex, sizey, true)) return EchecImage(e);
         Ligne(lignes[1], TYPE_PALETTE, c.paletteExistante >= 0 ? Elements[c.paletteExistante].fichier : e.pal, e.src);
         Ligne(lignes[2], TYPE_CARTE, e.map, e.src);
-        if (ConvertitMosaique(lignes, e.col)) {
-            AjouteElement(lignes[0]);
-            if (!c.quinzeBits) AjouteElement(lignes[1]);
-            if (c.genereCarte) AjouteElement(lignes[2]);
-        }
-        return;
+        if (!ConvertitMosaique(lignes, e.col)) return false;
+        AjouteElement(lignes[0]);
+        if (!c.quinzeBits) AjouteElement(lignes[1]);
+        if (c.genereCarte) AjouteElement(lignes[2]);
+        return true;
     }
     default:
-        return; // no target: nothing to do
+        return false; // no target: nothing to do
     }
 }
 
@@ -382,9 +459,29 @@ void ExecuteConv(const char* texte) {
         }
         // A lone prefix ("-" on its own) names nothing and is passed over.
         if (!nom[0] && !valeur[0]) continue;
+        ++etat.parametres;
         const int i = TrouveParametre(nom);
-        if (i < 0) MessageDebugF("Unrecognized convertion identifier: %s", nom);
-        else Applique(etat, TableParametres[i], prefixe, valeur);
+        if (i >= 0) {
+            Applique(etat, TableParametres[i], prefixe, valeur);
+        } else {
+            MessageDebugF("Unrecognized convertion identifier: %s", nom);
+            Refuse(etat, "unknown conv parameter %s", nom);
+        }
     }
-    Execute(etat);
+    if (!etat.parametres) return; // an empty link: nothing asked, nothing done
+
+    // A strict run refuses what the command would misread, and says what it
+    // is about: the picture, else the statement.
+    const char* sujet = FichierExiste(etat.src) ? etat.src : etat.srcDonne[0] ? etat.srcDonne : texte;
+    if (Rigueur.stricte) {
+        VerifieValeurs(etat);
+        if (!etat.cible) Refuse(etat, "no kind of output: tset, b8 or b16 first");
+        if (!etat.problemes.empty()) {
+            for (size_t debut = 0, fin; (fin = etat.problemes.find('\n', debut)) != std::string::npos; debut = fin + 1)
+                SignaleEchec("%s: %s", sujet, etat.problemes.substr(debut, fin - debut).c_str());
+            return;
+        }
+    }
+    const int avant = Rigueur.echecs;
+    if (!Execute(etat) && Rigueur.echecs == avant) SignaleEchec("%s: not converted", sujet);
 }

@@ -49,14 +49,25 @@ inline uint32_t Couleur15(const uint8_t* bgr) {
     return (uint32_t)TableBleue[bgr[0]] * 1024 + (uint32_t)TableVerte[bgr[1]] * 32 + TableRouge[bgr[2]];
 }
 
-// One output file, written whole or not at all: a file that cannot be
-// opened, or cannot be written to the end (a full disk), gets the message of
-// its kind and leaves the old file as it was.
+// One output file of a conversion. Its bytes go to a new file of its own,
+// which takes the target's place only when every output of the conversion is
+// complete (PlaceSorties): a failure or a kill anywhere leaves the previous
+// set whole. A file that cannot be opened or written to the end (a full
+// disk) gets the message of its kind.
 struct Sortie {
     EcritureSure ecriture;
-    const char* chemin;
-    const char* message;
+    const char* chemin = nullptr;
+    const char* message = nullptr;
+    Sortie() = default;
+    Sortie(const Sortie&) = delete;
+    Sortie& operator=(const Sortie&) = delete;
+    ~Sortie() { AbandonneEcritureSure(ecriture); } // dropped unless placed
 };
+
+void EchecSortie(const Sortie& sortie) {
+    BoiteMessage(sortie.message, sortie.chemin, BOITE_OK | ICONE_ARRET);
+    SignaleEchec("cannot write %s: %s", sortie.chemin, strerror(sortie.ecriture.erreur));
+}
 
 // Opens one output and puts the template variables in their start state.
 FILE* OuvreSortie(Sortie& sortie, const char* chemin, const char* message) {
@@ -64,7 +75,7 @@ FILE* OuvreSortie(Sortie& sortie, const char* chemin, const char* message) {
     sortie.message = message;
     FILE* f = CommenceEcritureSure(sortie.ecriture, chemin);
     if (!f) {
-        BoiteMessage(message, chemin, BOITE_OK | ICONE_ARRET);
+        EchecSortie(sortie);
         return nullptr;
     }
     RestaureVariables();
@@ -72,10 +83,22 @@ FILE* OuvreSortie(Sortie& sortie, const char* chemin, const char* message) {
     return f;
 }
 
-bool FermeSortie(Sortie& sortie) {
+// Every byte of the output has reached its new file.
+bool AcheveSortie(Sortie& sortie) {
     RestaureVariables(); // the rows point into the caller's element rows
-    if (TermineEcritureSure(sortie.ecriture)) return true;
-    BoiteMessage(sortie.message, sortie.chemin, BOITE_OK | ICONE_ARRET);
+    if (AcheveEcritureSure(sortie.ecriture)) return true;
+    EchecSortie(sortie);
+    return false;
+}
+
+// The outputs of one conversion, in the order they were written, replace
+// their old files together.
+bool PlaceSorties(Sortie* const* sorties, int nombre) {
+    EcritureSure* ecritures[3];
+    for (int i = 0; i < nombre && i < 3; ++i) ecritures[i] = &sorties[i]->ecriture;
+    int echec = -1;
+    if (PlaceEcrituresSures(ecritures, nombre < 3 ? nombre : 3, &echec)) return true;
+    if (echec >= 0) EchecSortie(*sorties[echec]);
     return false;
 }
 
@@ -93,8 +116,7 @@ void MetVariables(const ElementProjet& ligne, const char* nom, const char* lien,
     MetTexteVariable("type", type);
 }
 
-bool EcritPalette(const ElementProjet& ligne, const uint8_t* palette, int nombre) {
-    Sortie sortie;
+bool EcritPalette(Sortie& sortie, const ElementProjet& ligne, const uint8_t* palette, int nombre) {
     FILE* f = OuvreSortie(sortie, ligne.fichier, MESSAGE_OUVERTURE_DONNEES);
     if (!f) return false;
     MetVariables(ligne, NomSortie(ReglagesConv.nomPalette, ligne), nullptr, nombre, (int64_t)nombre * 2, 0, nullptr);
@@ -105,7 +127,7 @@ bool EcritPalette(const ElementProjet& ligne, const uint8_t* palette, int nombre
     EcritGabarit(s.declaration, f);
     EcritValeursPalette(f, s, couleurs.data(), nombre);
     EcritGabarit(s.end, f);
-    return FermeSortie(sortie);
+    return AcheveSortie(sortie);
 }
 
 // An existing palette as the first triples: its entry 0 is dropped. Gives
@@ -181,7 +203,8 @@ int ConvertitBitmap16(ElementProjet* lignes) {
     EcritGabarit(s.declaration, f);
     EcritValeursLignes(f, s, s.element, valeurs.data(), l, h);
     EcritGabarit(s.end, f);
-    return FermeSortie(sortie) ? 1 : 0;
+    Sortie* une[] = {&sortie};
+    return AcheveSortie(sortie) && PlaceSorties(une, 1) ? 1 : 0;
 }
 
 int ConvertitBitmap8(ElementProjet* lignes, int maxi) {
@@ -206,8 +229,10 @@ int ConvertitBitmap8(ElementProjet* lignes, int maxi) {
     EcritGabarit(s.declaration, f);
     EcritValeursLignes(f, s, s.element, indices.get(), l, h);
     EcritGabarit(s.end, f);
-    if (!FermeSortie(sortie)) return 0;
-    return EcritPalette(lignes[1], palette, n) ? 1 : 0;
+    Sortie sortiePalette;
+    if (!AcheveSortie(sortie) || !EcritPalette(sortiePalette, lignes[1], palette, n)) return 0;
+    Sortie* deux[] = {&sortie, &sortiePalette};
+    return PlaceSorties(deux, 2) ? 1 : 0;
 }
 
 int ConvertitMosaique(ElementProjet* lignes, int maxi) {
@@ -219,7 +244,16 @@ int ConvertitMosaique(ElementProjet* lignes, int maxi) {
     int64_t l = c.sortieLargeur > 0 ? c.sortieLargeur : sizex, h = c.sortieHauteur > 0 ? c.sortieHauteur : sizey;
     l = (l + tx - 1) / tx * tx;
     h = (h + ty - 1) / ty * ty;
-    if (l <= 0 || h <= 0 || !TailleImageAdmise(l, h)) {
+    if (l > 0 && h > 0 && !TailleImageAdmise(l, h)) {
+        BoiteMessageF(TITRE_TUILES, BOITE_OK | ICONE_ARRET,
+                      "Unable to convert an area of %lld x %lld pixels: an area may have at most %d pixels a side "
+                      "and %lld pixels in all.",
+                      (long long)l, (long long)h, COTE_IMAGE_MAX, (long long)PixelsImageMax);
+        SignaleEchec("%s: the area of %lld x %lld pixels is larger than %d a side or %lld in all", lignes[0].fichierBase,
+                     (long long)l, (long long)h, COTE_IMAGE_MAX, (long long)PixelsImageMax);
+        return 0;
+    }
+    if (l <= 0 || h <= 0) {
         BoiteMessage("Unable to convert because there are too many tiles.", TITRE_TUILES, BOITE_OK | ICONE_ARRET);
         return 0;
     }
@@ -319,6 +353,8 @@ int ConvertitMosaique(ElementProjet* lignes, int maxi) {
                 if (nbTuiles * unitesTuile >= UNITES_MAX) {
                     BoiteMessage("Unable to convert because there are too many tiles.", TITRE_TUILES,
                                  BOITE_OK | ICONE_ARRET);
+                    SignaleEchec("%s: too many tiles (a tileset holds at most %d units of 8 x 8 pixels)",
+                                 lignes[0].fichierBase, UNITES_MAX);
                     return 0;
                 }
                 magasin.insert(magasin.end(), tuile.begin(), tuile.end());
@@ -342,12 +378,12 @@ int ConvertitMosaique(ElementProjet* lignes, int maxi) {
         return resultat;
     };
 
-    // Map, tileset, palette: an output that cannot be opened leaves the
-    // earlier ones on disk.
+    // Map, tileset, palette, in that order; the set replaces the old files
+    // only once all are written.
+    Sortie sortieCarte, sortieMosaique, sortiePalette;
     if (c.genereCarte) {
         const ElementProjet& carte = lignes[2];
-        Sortie sortie;
-        FILE* f = OuvreSortie(sortie, carte.fichier, MESSAGE_OUVERTURE_DONNEES);
+        FILE* f = OuvreSortie(sortieCarte, carte.fichier, MESSAGE_OUVERTURE_DONNEES);
         if (!f) return fin(0);
         sizex = colonnes;
         sizey = rangees;
@@ -360,12 +396,11 @@ int ConvertitMosaique(ElementProjet* lignes, int maxi) {
         EcritGabarit(s.declaration, f);
         EcritValeursLignes(f, s, element, cellules.data(), colonnes, rangees);
         EcritGabarit(s.end, f);
-        if (!FermeSortie(sortie)) return fin(0);
+        if (!AcheveSortie(sortieCarte)) return fin(0);
     }
 
     const ElementProjet& mosaique = lignes[0];
-    Sortie sortie;
-    FILE* f = OuvreSortie(sortie, mosaique.fichier, MESSAGE_OUVERTURE_IMAGE);
+    FILE* f = OuvreSortie(sortieMosaique, mosaique.fichier, MESSAGE_OUVERTURE_IMAGE);
     if (!f) return fin(0);
     const int profondeur = c.quinzeBits ? 15 : c.quatreBits ? 4 : 8;
     int64_t memoire = (int64_t)tx * ty * nbTuiles;
@@ -379,8 +414,14 @@ int ConvertitMosaique(ElementProjet* lignes, int maxi) {
     tilex = tiley = 8;
     EcritValeursMosaique(f, s, magasin.data(), nbTuiles * unitesTuile, 64, profondeur);
     EcritGabarit(s.end, f);
-    if (!FermeSortie(sortie)) return fin(0);
+    if (!AcheveSortie(sortieMosaique)) return fin(0);
 
-    if (!c.quinzeBits && !EcritPalette(lignes[1], palette, nombre)) return fin(0);
-    return fin(1);
+    if (!c.quinzeBits && !EcritPalette(sortiePalette, lignes[1], palette, nombre)) return fin(0);
+    Sortie* placees[3];
+    int n = 0;
+    if (c.genereCarte) placees[n++] = &sortieCarte;
+    placees[n++] = &sortieMosaique;
+    if (!c.quinzeBits) placees[n++] = &sortiePalette;
+    const bool place = PlaceSorties(placees, n);
+    return fin(place ? 1 : 0);
 }

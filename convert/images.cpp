@@ -7,6 +7,7 @@
 #include "render/apercus.h"
 #include "render/surfaces.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -14,6 +15,7 @@
 Image ImageGardee;
 int BitsImageGardee = 0;
 bool ImageLibDisponible = false;
+const char* RaisonEchecImage = "";
 
 void InitialiseImages() { ImageLibDisponible = CodecsDisponibles(); }
 
@@ -32,11 +34,15 @@ int ChargeImage(const char* chemin, int& largeur, int& hauteur, bool garder) {
 
     size_t taille = 0;
     uint8_t* donnees = LitFichierEntier(chemin, taille);
-    if (!donnees) return 0;
+    if (!donnees) {
+        RaisonEchecImage = errno == ENOENT ? "not found" : strerror(errno);
+        return 0;
+    }
     Image lue;
     int bits = 0;
     int bon;
-    if (ImageLibDisponible && !bmp) {
+    const bool parLibrairie = ImageLibDisponible && !bmp;
+    if (parLibrairie) {
         // Fully transparent pixels take the mask colour, so transparency
         // survives the conversion.
         const uint8_t* m = ReglagesConv.masque;
@@ -45,11 +51,14 @@ int ChargeImage(const char* chemin, int& largeur, int& hauteur, bool garder) {
     } else {
         bon = LitBmp(donnees, taille, lue, bits);
     }
-    free(donnees);
     if (!bon || lue.largeur <= 0 || lue.hauteur <= 0) {
+        const bool connu = parLibrairie ? TypeImageConnu(donnees, taille) : taille >= 2 && donnees[0] == 'B' && donnees[1] == 'M';
+        RaisonEchecImage = connu ? "damaged" : parLibrairie ? "not a picture" : "not a BMP picture";
+        free(donnees);
         LibereImage(lue);
         return 0;
     }
+    free(donnees);
 
     const int l = lue.largeur, h = lue.hauteur;
     if (garder && ReglagesConv.mode != 0 && !ReglagesConv.quinzeBits) {
@@ -67,6 +76,7 @@ int ChargeImage(const char* chemin, int& largeur, int& hauteur, bool garder) {
         ChoisitCadre(0, 0, l, h);
     } else {
         if (!DimensionneApercu(l, h, true)) {
+            RaisonEchecImage = strerror(ENOMEM);
             LibereImage(lue);
             return 0;
         }

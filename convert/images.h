@@ -20,6 +20,11 @@ void InitialiseImages();
 // receive the picture's size.
 int ChargeImage(const char* chemin, int& largeur, int& hauteur, bool garder);
 
+// Why the last ChargeImage failed, in words: "not found", the system's reason
+// for a file that could not be read, "not a picture" (no reader knows its
+// first bytes), or "damaged" (a reader knew them and refused the rest).
+extern const char* RaisonEchecImage;
+
 // Releases ImageGardee.
 void LibereImageGardee();
 
