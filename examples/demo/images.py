@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
 """Makes the example's pictures (python3 standard library only):
-  niveau.png  256 x 64, 15 colours and the mask colour, built from a few
+  niveau.png  256 x 64, 8 colours and the mask colour, built from a few
               repeated 8 x 8 tiles: 4-bit tiles;
-  decor.png   128 x 128, about 160 colours in soft blocks: 8-bit tiles;
-  titre.bmp   96 x 32, a 24-bit gradient with a bar: 16-bit bitmap.
+  decor.png   128 x 128, 1024 colours in soft blocks, more than a palette
+              holds: reduced to 255 for 8-bit tiles;
+  titre.bmp   96 x 32, a 24-bit gradient with a bar (2305 colours): 16-bit
+              bitmap.
 The files are committed; run this again only to change them."""
 import struct
 import zlib

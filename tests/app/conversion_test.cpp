@@ -4,12 +4,12 @@
 // order they first appear (rows of the area from the top), index 0 for the
 // mask colour and the padding, tiles numbered as first met and written as 8x8
 // units, components reduced to 5 bits by dropping their low 3 bits.
+#include "tests/app/programme.h"
 #include "tests/support/enregistreur.h"
 #include "tests/support/projets.h"
 
 #include <gtest/gtest.h>
 #include <png.h>
-#include <sys/wait.h>
 
 #include <algorithm>
 #include <csetjmp>
@@ -110,25 +110,11 @@ void EcritPng(const std::string& nom, const Dessin& d) {
 
 // ---- The program and the project ----------------------------------------------------
 
-std::string Guillemets(const std::string& s) {
-    std::string r = "'";
-    for (char c : s)
-        r += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return r + "'";
-}
-
 // Runs the program on a batch line in the working folder; gives its standard error.
 std::string Lance(const std::string& ligne) {
-    const std::string commande = Guillemets(TESS_PROGRAMME) + " " + Guillemets(ligne) + " 2>&1 >/dev/null";
-    FILE* tube = popen(commande.c_str(), "r");
-    if (!tube) return "<not run>";
-    std::string erreurs;
-    char tampon[512];
-    for (size_t n; (n = fread(tampon, 1, sizeof tampon, tube)) > 0;)
-        erreurs.append(tampon, n);
-    const int etat = pclose(tube);
-    EXPECT_TRUE(WIFEXITED(etat) && WEXITSTATUS(etat) == 0) << ligne;
-    return erreurs;
+    const Execution e = Execute({ligne});
+    EXPECT_EQ(e.code, 0) << ligne;
+    return e.erreurs;
 }
 
 // Raw little-endian files: the declarations hold what the readers need (a
@@ -192,13 +178,6 @@ std::string Rangees() {
     if (debut == std::string::npos) return "<no element section>";
     const size_t d = debut + OUVERTURE_FICHIERS.size();
     return t.substr(d, t.find(" Fin\n", d) - d);
-}
-
-std::set<std::string> Fichiers() {
-    std::set<std::string> noms;
-    for (const auto& f : std::filesystem::directory_iterator("."))
-        noms.insert(f.path().filename().string());
-    return noms;
 }
 
 // ---- Expected files -------------------------------------------------------------------
@@ -888,7 +867,7 @@ TEST(ConvFormatC, AllerRetour) {
 
 // ---- Bad input --------------------------------------------------------------------------------
 
-// Each adds nothing to the project; the files written before a failure stay.
+// Each adds nothing to the project and writes no file.
 TEST(ConvFautes, RienAjoute) {
     const std::string donnees = OUVERTURE_DONNEES_ECHOUEE, image = OUVERTURE_IMAGE_ECHOUEE;
     const std::string debug = "[Debuging] ",
@@ -907,9 +886,10 @@ TEST(ConvFautes, RienAjoute) {
         {"-b16 src=absent.png", "", {}},
         {"-tset src=a.bmp dst=nulpart/x", "[nulpart/x.map.bin" + donnees, {}},
         {"-tset src=a.bmp dst=a.bmp/x -gmap", "[a.bmp/x.til.bin" + image, {}},
-        {"-tset src=a.bmp pal=nulpart/p", "[nulpart/p.pal.bin" + donnees, {"a.map.bin", "a.til.bin"}},
+        // The outputs replace their old files together or not at all.
+        {"-tset src=a.bmp pal=nulpart/p", "[nulpart/p.pal.bin" + donnees, {}},
         {"-b16 src=a.bmp dst=nulpart/x", "[nulpart/x.b16.bin" + image, {}},
-        {"-b8 src=a.bmp pal=nulpart/p", "[nulpart/p.pal.bin" + donnees, {"a.b8.bin"}},
+        {"-b8 src=a.bmp pal=nulpart/p", "[nulpart/p.pal.bin" + donnees, {}},
         // The kind comes after src: no path derived, the first output has none.
         {"-src=a.bmp tset", "[" + donnees, {}},
         {"-src=a.bmp", "", {}},

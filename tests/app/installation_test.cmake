@@ -1,0 +1,30 @@
+# cmake --install into a fresh prefix, then the installed program:
+#   cmake -DCONSTRUCTION=<build folder> -DDOSSIER=<prefix> -P installation_test.cmake
+if(NOT CONSTRUCTION OR NOT DOSSIER)
+  message(FATAL_ERROR "installation_test.cmake needs -DCONSTRUCTION=<build folder> and -DDOSSIER=<prefix>")
+endif()
+file(REMOVE_RECURSE "${DOSSIER}")
+execute_process(COMMAND "${CMAKE_COMMAND}" --install "${CONSTRUCTION}" --prefix "${DOSSIER}"
+  RESULT_VARIABLE code OUTPUT_QUIET ERROR_VARIABLE erreurs)
+if(NOT code STREQUAL "0")
+  message(FATAL_ERROR "cmake --install: exit code '${code}'\n${erreurs}")
+endif()
+set(programme "${DOSSIER}/bin/tessellarium")
+set(guide "${DOSSIER}/share/doc/tessellarium/README.md")
+if(NOT EXISTS "${programme}" OR NOT EXISTS "${guide}")
+  message(FATAL_ERROR "cmake --install: no ${programme} or no ${guide}")
+endif()
+# The installed program names the installed guide, and writes nothing where it runs.
+execute_process(COMMAND "${programme}" --help WORKING_DIRECTORY "${DOSSIER}"
+  RESULT_VARIABLE code OUTPUT_VARIABLE aide)
+string(FIND "${aide}" "The guide: ${guide}\n" position)
+if(NOT code STREQUAL "0" OR position EQUAL -1)
+  message(FATAL_ERROR "installed --help: exit code '${code}', output\n${aide}")
+endif()
+execute_process(COMMAND "${programme}" --version RESULT_VARIABLE code OUTPUT_VARIABLE version)
+if(NOT code STREQUAL "0" OR NOT version MATCHES "^Tessellarium [0-9]+\\.[0-9]+\n$")
+  message(FATAL_ERROR "installed --version: exit code '${code}', output '${version}'")
+endif()
+if(EXISTS "${DOSSIER}/projet.tsl")
+  message(FATAL_ERROR "installed --help wrote projet.tsl")
+endif()
