@@ -225,6 +225,7 @@ void CheminExecutable(const char* argv0, char* sortie, size_t taille) {
 
 long long OctetsAvantEchecEcriture = -1;
 bool TemporairesAnonymes = true;
+bool BasculeSeparee = true;
 
 namespace {
 
@@ -582,7 +583,7 @@ int PlaceEcrituresSures(EcritureSure* const* ecritures, int nombre, int* echec) 
         for (int s : SignauxNettoyes) sigaddset(&signaux, s);
         sigprocmask(SIG_BLOCK, &signaux, &avant);
         // One named file needs one rename, which no kill can cut in two.
-        rate = nombre > 1 || anonymes ? BasculeAParte(ecritures, nombre) : -2;
+        rate = BasculeSeparee && (nombre > 1 || anonymes) ? BasculeAParte(ecritures, nombre) : -2;
         if (rate == -2) rate = Bascule(ecritures, nombre);
         sigprocmask(SIG_SETMASK, &avant, nullptr);
     }

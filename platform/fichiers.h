@@ -88,6 +88,9 @@ extern long long OctetsAvantEchecEcriture;
 // For tests: false makes every writing take the named temporary file, as on a
 // file system without anonymous ones.
 extern bool TemporairesAnonymes;
+// For the fuzz targets, where a fork at every write costs nine runs in ten:
+// false makes the swap in this process, which a kill may then cut.
+extern bool BasculeSeparee;
 
 // ---- Runs that share one project ---------------------------------------------------------
 

@@ -13,6 +13,7 @@
 #include "core/projet.h"
 #include "core/reglages.h"
 #include "editor/editeur.h"
+#include "platform/fichiers.h"
 #include "format/ecriture.h"
 #include "format/formats.h"
 #include "format/lecture.h"
@@ -145,6 +146,7 @@ void PrepareCible(const char* nom, int* argc, char*** argv) {
     if (argc && argv) ArgumentsComplets(argc, argv);
     PlateformeCourante = PlateformeMuette;
     PixelsImageMax = PIXELS_FUZZ;
+    BasculeSeparee = false; // no kill to survive here, and a fork costs most of a run
     std::error_code ec;
     std::filesystem::path base = "/dev/shm";
     if (!std::filesystem::is_directory(base, ec)) base = std::filesystem::temp_directory_path();
