@@ -14,6 +14,7 @@
 #include "platform/plateforme.h"
 #include "platform/texte.h"
 
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -165,6 +166,14 @@ void LitListeElements(FILE* fichier, const char* chemin) {
     }
 }
 
+void AvertitSiTronque(const char* chemin) {
+    if (ProjetTronque.raison[0])
+        BoiteMessageF("Project file", BOITE_OK | ICONE_ATTENTION,
+                      "%s could not be read whole: %s.\nIt will not be saved over, so nothing in it is lost; "
+                      "elements added now are not recorded in it.",
+                      chemin, ProjetTronque.raison);
+}
+
 bool EstEntete(char* premiere) {
     char* p = premiere;
     if ((unsigned char)p[0] == 0xEF && (unsigned char)p[1] == 0xBB && (unsigned char)p[2] == 0xBF) p += 3;
@@ -186,7 +195,13 @@ void ChargeProjet(const char* chemin) {
     ProjetTronque = ProjetIncomplet{};
 
     FILE* fichier = OuvreFichier(chemin, "rb");
-    if (!fichier) return; // no project yet: the empty project stays
+    if (!fichier) {
+        // No project yet: the empty project stays. One that is there but
+        // cannot be read is not written over either.
+        if (errno != ENOENT) NoteLimite(chemin, strerror(errno));
+        AvertitSiTronque(chemin);
+        return;
+    }
     char premiere[LONGUEUR_LIGNE_PROJET + 1];
     bool lue = fgets(premiere, sizeof premiere, fichier) != nullptr;
     fclose(fichier);
@@ -222,11 +237,7 @@ void ChargeProjet(const char* chemin) {
         }
         Crochets.executeScript(fichier, nullptr);
     }
-    if (ProjetTronque.raison[0])
-        BoiteMessageF("Project file", BOITE_OK | ICONE_ATTENTION,
-                      "%s does not fit in memory: %s.\nIt will not be saved over, so nothing in it is lost; "
-                      "elements added now are not recorded in it.",
-                      chemin, ProjetTronque.raison);
+    AvertitSiTronque(chemin);
 }
 
 // ---- SauveProjet -------------------------------------------------------------

@@ -328,10 +328,11 @@ TEST(LotProjet, AuDelaDesLimitesLaisseLeFichierIntact) {
         Projet("", Ligne("a", "carte") + "  Base: " + std::string(3000, 'b') + "\n"),
     };
     for (const std::string& projet : projets) {
+        std::filesystem::remove("projet.tsl");
         EcritFichier("projet.tsl", projet);
         const Execution e = Execute({"--strict", "-b16 src=a.bmp"});
         EXPECT_EQ(e.code, 1);
-        EXPECT_NE(e.erreurs.find("[Project file] " + dossier.Dans("projet.tsl") + " does not fit in memory: "),
+        EXPECT_NE(e.erreurs.find("[Project file] " + dossier.Dans("projet.tsl") + " could not be read whole: "),
                   std::string::npos);
         EXPECT_NE(e.erreurs.find("tessellarium: " + dossier.Dans("projet.tsl") + ": not saved: "), std::string::npos)
             << e.erreurs;
@@ -339,6 +340,14 @@ TEST(LotProjet, AuDelaDesLimitesLaisseLeFichierIntact) {
         EXPECT_TRUE(std::filesystem::exists("a.b16.c"));
         std::filesystem::remove("a.b16.c");
     }
+    // One that cannot be read at all is not replaced either.
+    std::filesystem::remove("projet.tsl");
+    std::filesystem::create_symlink("projet.tsl", "projet.tsl");
+    const Execution e = Execute({"-b16 src=a.bmp"});
+    EXPECT_EQ(e.code, 0);
+    EXPECT_NE(e.erreurs.find("could not be read whole: Too many levels of symbolic links."), std::string::npos)
+        << e.erreurs;
+    EXPECT_TRUE(std::filesystem::is_symlink("projet.tsl"));
 }
 
 // A save of the same bytes leaves the file and its time alone; a project

@@ -214,7 +214,7 @@ TEST(ProjetAllerRetour, DonneesAuDelaDuMillionJamaisReecrites) {
     AjouteElementBrut(NouvelElement(TYPE_CARTE, "neuve", "n.map.c"));
     EXPECT_EQ(SauveEtLit(), Saisi("", corps));
     ASSERT_EQ(enregistreur.messages.size(), 1u);
-    EXPECT_TRUE(enregistreur.messages[0].starts_with("[Project file] projet.tsl does not fit in memory: its donn"));
+    EXPECT_TRUE(enregistreur.messages[0].starts_with("[Project file] projet.tsl could not be read whole: its donn"));
 
     // Exactly the buffer's size fits; the project is saved again.
     corps.resize(TAILLE_DONNEES_MAX);
