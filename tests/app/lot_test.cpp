@@ -174,41 +174,26 @@ TEST(LotStrict, ChaqueEchecNommeSonFichier) {
     EXPECT_EQ(Execute({"--strict", "-b16 src=a.bmp"}).code, 0);
 }
 
-// A folder that can't be written to, and a disk that fills up, each named
-// with the system's reason; the old files stay whole and nothing is left
-// beside them.
-TEST(LotStrict, DossierEnLectureSeuleEtDisquePlein) {
-    DossierTemporaire dossier;
+// A disk that fills up, and a folder that can't be written to: each named with
+// the system's reason; the old files stay whole and nothing is left beside
+// them. The folder d holds the picture and an old map.
+static std::string DossierAvecAncienneCarte(const DossierTemporaire& dossier) {
     std::filesystem::create_directory("d");
     EcritMosaique("a.bmp", 16, 1); // 128 x 128: tiles of 98 KB in text
     std::filesystem::copy_file("a.bmp", "d/a.bmp");
     EcritFichier("d/a.map.c", "ancienne carte");
-    const std::string d = dossier.Dans("d");
+    return dossier.Dans("d");
+}
 
-    // Read-only: a mount where the machine allows one, else the rights of a
-    // user other than root.
-    std::string lanceur = Monte(d, "--bind");
-    const bool monte = !lanceur.empty();
-    if (!monte) {
-        if (geteuid() == 0) GTEST_SKIP() << "no read-only mount here, and root writes anywhere";
-        chmod("d", 0555);
-        lanceur = "cd d &&";
-    }
-    Execution e = Execute({"--strict", "-tset src=a.bmp"}, lanceur);
-    chmod("d", 0755);
-    EXPECT_EQ(e.code, 1);
-    EXPECT_NE(e.erreurs.find("[a.map.c] Unable to open the file for writing."), std::string::npos) << e.erreurs;
-    EXPECT_NE(e.erreurs.find(std::string("tessellarium: cannot write a.map.c: ") +
-                             (monte ? "Read-only file system" : "Permission denied")),
-              std::string::npos)
-        << e.erreurs;
-    EXPECT_EQ(Fichiers("d"), (std::set<std::string>{"a.bmp", "a.map.c"}));
-
-    // Full: a tmpfs of 64 KB holding the picture and the old map, else a
-    // limit on the size of a file (the same write refused).
+TEST(LotStrict, DisquePlein) {
+    DossierTemporaire dossier;
+    const std::string d = DossierAvecAncienneCarte(dossier);
+    // A tmpfs of 64 KB holding the picture and the old map, else a limit on
+    // the size of a file (the same write refused).
     const std::string prepare = "cp " + Guillemets(dossier.Dans("a.bmp")) + " . && printf 'ancienne carte' > a.map.c";
-    lanceur = Monte(d, "tmpfs -o size=64k", prepare, "ls -A; cat a.map.c");
-    e = Execute({"--strict", "-tset src=a.bmp"}, lanceur.empty() ? "cd d && ulimit -f 60 && trap '' XFSZ &&" : lanceur);
+    const std::string lanceur = Monte(d, "tmpfs -o size=64k", prepare, "ls -A; cat a.map.c");
+    const Execution e =
+        Execute({"--strict", "-tset src=a.bmp"}, lanceur.empty() ? "cd d && ulimit -f 60 && trap '' XFSZ &&" : lanceur);
     EXPECT_EQ(e.code, 1) << e.erreurs;
     EXPECT_NE(e.erreurs.find("[a.til.c] Unable to open the file for writing."), std::string::npos) << e.erreurs;
     const std::string raison = lanceur.empty() ? "File too large" : "No space left on device";
@@ -219,6 +204,29 @@ TEST(LotStrict, DossierEnLectureSeuleEtDisquePlein) {
     else
         EXPECT_EQ(Fichiers("d"), (std::set<std::string>{"a.bmp", "a.map.c", "projet.tsl"}));
     EXPECT_EQ(LitFichier("d/a.map.c"), "ancienne carte");
+}
+
+TEST(LotStrict, DossierEnLectureSeule) {
+    DossierTemporaire dossier;
+    const std::string d = DossierAvecAncienneCarte(dossier);
+    // A read-only mount where the machine allows one, else the rights of a
+    // user other than root.
+    std::string lanceur = Monte(d, "--bind");
+    const bool monte = !lanceur.empty();
+    if (!monte) {
+        if (geteuid() == 0) GTEST_SKIP() << "no read-only mount here, and root writes anywhere";
+        chmod("d", 0555);
+        lanceur = "cd d &&";
+    }
+    const Execution e = Execute({"--strict", "-tset src=a.bmp"}, lanceur);
+    chmod("d", 0755);
+    EXPECT_EQ(e.code, 1);
+    EXPECT_NE(e.erreurs.find("[a.map.c] Unable to open the file for writing."), std::string::npos) << e.erreurs;
+    EXPECT_NE(e.erreurs.find(std::string("tessellarium: cannot write a.map.c: ") +
+                             (monte ? "Read-only file system" : "Permission denied")),
+              std::string::npos)
+        << e.erreurs;
+    EXPECT_EQ(Fichiers("d"), (std::set<std::string>{"a.bmp", "a.map.c"}));
 }
 
 // ---- Runs that share one project -----------------------------------------------------------
