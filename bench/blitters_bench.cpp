@@ -23,7 +23,7 @@ void DessineTuiles(benchmark::State& etat, int direct, int alpha, bool transpare
         for (int r = 0; r < lignes; ++r)
             for (int c = 0; c < parLigne; ++c) {
                 const uint32_t cellule = (uint32_t)((r * parLigne + c) % 1024) | (uint32_t)(c & 3) << 10;
-                const uint32_t* src = tuiles.data() + (cellule & 0x3FF) * 64;
+                const uint32_t* src = tuiles.data() + TuileDeCellule(cellule) * 64;
                 const int mh = (cellule >> 10) & 1, mv = (cellule >> 11) & 1;
                 if (transparent)
                     AfficheBlocMiroirTranspAlpha(&surface, c * 8, r * 8, 8, 8, src, palette.data(), mh, mv, 255, alpha);

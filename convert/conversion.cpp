@@ -2,6 +2,7 @@
 
 #include "convert/couleurs.h"
 #include "convert/quantification.h"
+#include "core/gba.h"
 #include "core/reglages.h"
 #include "format/ecriture.h"
 #include "format/formats.h"
@@ -46,7 +47,7 @@ const char* const TITRE_TUILES = "Tiles converter";
 constexpr int TAILLE_PALETTE_CONVERSION = TAILLE_PALETTE_REDUCTION + 3;
 
 inline uint32_t Couleur15(const uint8_t* bgr) {
-    return (uint32_t)TableBleue[bgr[0]] * 1024 + (uint32_t)TableVerte[bgr[1]] * 32 + TableRouge[bgr[2]];
+    return CouleurGba(TableRouge[bgr[2]], TableVerte[bgr[1]], TableBleue[bgr[0]]);
 }
 
 // One output file of a conversion. Its bytes go to a new file of its own,
@@ -123,7 +124,7 @@ bool EcritPalette(Sortie& sortie, const ElementProjet& ligne, const uint8_t* pal
     const SectionFormat& s = FormatCourant.sections[SECTION_PALETTE];
     std::vector<uint32_t> couleurs((size_t)nombre);
     for (int i = 0; i < nombre; ++i)
-        couleurs[(size_t)i] = (uint32_t)palette[3 * i] * 1024 + (uint32_t)palette[3 * i + 1] * 32 + palette[3 * i + 2];
+        couleurs[(size_t)i] = CouleurGba(palette[3 * i + 2], palette[3 * i + 1], palette[3 * i]);
     EcritGabarit(s.declaration, f);
     EcritValeursPalette(f, s, couleurs.data(), nombre);
     EcritGabarit(s.end, f);

@@ -2,6 +2,7 @@
 
 #include "convert/couleurs.h"
 #include "convert/images.h"
+#include "core/gba.h"
 #include "core/reglages.h"
 #include "platform/plateforme.h"
 #include "render/surfaces.h"
@@ -27,9 +28,9 @@ constexpr int CODES = 32768;
 // threshold from here up matches the same triples.
 constexpr int DISTANCE_MAX = 3 * 31 * 31;
 
-inline int Rouge(uint16_t c) { return c & 31; }
-inline int Vert(uint16_t c) { return c >> 5 & 31; }
-inline int Bleu(uint16_t c) { return c >> 10 & 31; }
+inline int Rouge(uint16_t c) { return RougeGba(c); }
+inline int Vert(uint16_t c) { return VertGba(c); }
+inline int Bleu(uint16_t c) { return BleuGba(c); }
 
 bool EstMasque(uint8_t r, uint8_t g, uint8_t b) {
     const uint8_t* m = ReglagesConv.masque;
@@ -80,7 +81,7 @@ void PrepareSource(Source& s, int largeur, int hauteur) {
         uint16_t* sortie = s.codes.data() + (size_t)y * s.largeur;
         auto pose = [&](int x, uint32_t v) {
             if (v == masque) return;
-            const uint16_t code = (uint16_t)(rouges[v >> 16] | verts[v >> 8 & 255] << 5 | bleus[v & 255] << 10);
+            const uint16_t code = (uint16_t)CouleurGba(rouges[v >> 16], verts[v >> 8 & 255], bleus[v & 255]);
             sortie[x] = code;
             if (!vu[code]) {
                 vu[code] = 1;
@@ -405,7 +406,7 @@ int Compte(Espace& e, const Source& s, const uint8_t* palette, int seuil, int fi
     e.nbTriples = 0;
     for (int t = debut; t < fixes; ++t) {
         e.Marque(palette[3 * t + 2], palette[3 * t + 1], palette[3 * t]);
-        e.triples[e.nbTriples++] = (uint16_t)(palette[3 * t + 2] | palette[3 * t + 1] << 5 | palette[3 * t] << 10);
+        e.triples[e.nbTriples++] = (uint16_t)CouleurGba(palette[3 * t + 2], palette[3 * t + 1], palette[3 * t]);
     }
     e.nbDonnes = e.nbTriples;
     int n = fixes;
@@ -842,7 +843,7 @@ struct Octree {
     // A colour met for the first time walks in, and the tree reduces to
     // place leaves. Gives false when it cannot (kept out of the pixel loop).
     __attribute__((noinline)) bool Premiere(uint32_t code, int place) {
-        Insere((int)(code & 31) << 3, (int)(code >> 5 & 31) << 3, (int)(code >> 10) << 3);
+        Insere(RougeGba(code) << 3, VertGba(code) << 3, BleuGba(code) << 3);
         while (feuilles > place)
             if (!Reduit()) return false;
         return true;
@@ -1003,8 +1004,7 @@ int ReductionOptimale(uint32_t* indices, uint8_t* palette, int hauteur, int larg
             const uint8_t* p = ligne + 3 * x;
             uint32_t code = SANS_COULEUR;
             if (!EstMasque(p[2], p[1], p[0])) {
-                code = (uint32_t)(TableRouge[p[2]] & 31) | (uint32_t)(TableVerte[p[1]] & 31) << 5 |
-                       (uint32_t)(TableBleue[p[0]] & 31) << 10;
+                code = CouleurGba(TableRouge[p[2]], TableVerte[p[1]], TableBleue[p[0]]);
                 if (!(vues[code >> 5] >> (code & 31) & 1)) {
                     vues[code >> 5] |= 1u << (code & 31);
                     rempli = arbre.Premiere(code, place);
@@ -1026,7 +1026,7 @@ int ReductionOptimale(uint32_t* indices, uint8_t* palette, int hauteur, int larg
     for (uint32_t code = 0; code < (uint32_t)CODES; ++code) {
         const uint64_t n = nombres[code];
         if (!n) continue;
-        const int r = (int)(code & 31) << 3, g = (int)(code >> 5 & 31) << 3, b = (int)(code >> 10) << 3;
+        const int r = RougeGba(code) << 3, g = VertGba(code) << 3, b = BleuGba(code) << 3;
         NoeudOctal& feuille = arbre.noeuds[(size_t)arbre.Insere(r, g, b)];
         feuille.nbPixels += (uint32_t)n;
         feuille.sommeRouge += n * (uint64_t)r;
@@ -1048,8 +1048,7 @@ int ReductionOptimale(uint32_t* indices, uint8_t* palette, int hauteur, int larg
     std::vector<uint16_t> index(CODES + 1, 0);
     for (uint32_t code = 0; code < (uint32_t)CODES; ++code)
         if (nombres[code])
-            index[code] = (uint16_t)(palettePlusProche.Cherche((int)(code & 31) << 3, (int)(code >> 5 & 31) << 3,
-                                                               (int)(code >> 10) << 3) +
+            index[code] = (uint16_t)(palettePlusProche.Cherche(RougeGba(code) << 3, VertGba(code) << 3, BleuGba(code) << 3) +
                                      fixes + 1);
     for (int y = 0; y < hauteur; ++y) {
         uint32_t* ligne = indices + (size_t)y * largeur;

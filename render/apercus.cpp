@@ -127,7 +127,7 @@ void ApercuCarte(uint8_t* palette, const uint32_t* tuiles, const uint32_t* cellu
     EntreeFond(palette);
     DimensionneApercu(tilex * sizex, tiley * sizey, false);
     const int maxX = LargeurApercu / tilex, maxY = HauteurApercu / tiley;
-    const uint32_t masque = EmulGba ? 1023u : 0xFFFFFFFFu;
+    const uint32_t masque = EmulGba ? CELLULE_TUILE : 0xFFFFFFFFu;
     // Units held by the tile buffer: the loader counted (tilex / 8) x (tiley / 8) a block.
     const int64_t unites = (int64_t)NbTuiles * (tilex / 8) * (tiley / 8);
     const VueTuiles vue{ReglagesConv.quatreBits, palette, tuiles};

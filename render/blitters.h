@@ -9,6 +9,7 @@
 // of 0x1000000 or more is transparent. Blending on each channel:
 // (source * a + target * (255 - a)) >> 8.
 #pragma once
+#include "core/gba.h"
 #include "platform/image.h"
 #include "render/surfaces.h"
 
@@ -45,13 +46,6 @@ struct VueTuiles {
     const uint32_t* tuiles; // 8 x 8 tiles of 64 words
 };
 
-// Map cells in the GBA text background layout.
-constexpr uint32_t CELLULE_TUILE = 0x3FF;
-constexpr uint32_t CELLULE_MIROIR_H = 1u << 10;
-constexpr uint32_t CELLULE_MIROIR_V = 1u << 11;
-constexpr int CELLULE_DECALAGE_BANQUE = 12;
-inline uint32_t TuileDeCellule(uint32_t c) { return c & CELLULE_TUILE; }
-inline int BanqueDeCellule(uint32_t c) { return (int)(c >> CELLULE_DECALAGE_BANQUE & 0xF); }
 
 // One 8 x 8 tile of a map cell: transparent index 0, blended when alpha is
 // not 0. The opaque form paints index 0 too.

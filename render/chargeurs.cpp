@@ -4,6 +4,7 @@
 #include "render/chargeurs.h"
 
 #include "core/elements.h"
+#include "core/gba.h"
 #include "core/reglages.h"
 #include "format/formats.h"
 #include "format/lecture.h"
@@ -83,8 +84,6 @@ void PoseApercu(int x, int ligne, uint8_t b, uint8_t g, uint8_t r) {
     d[2] = r;
 }
 
-uint8_t Composante(uint32_t v, int decalage) { return (uint8_t)(((v >> decalage) & 31) * 8); }
-
 } // namespace
 
 // ---- Palettes --------------------------------------------------------------------------
@@ -101,9 +100,9 @@ int ChargePalette(uint8_t* palette, const char* chemin) {
         int32_t suivante = LitValeur(pos, t, s.element, v);
         if (Echoue(t, suivante)) break;
         pos = suivante;
-        palette[n * 3] = Composante((uint32_t)v, 10);
-        palette[n * 3 + 1] = Composante((uint32_t)v, 5);
-        palette[n * 3 + 2] = Composante((uint32_t)v, 0);
+        palette[n * 3] = (uint8_t)(BleuGba((uint32_t)v) * 8);
+        palette[n * 3 + 1] = (uint8_t)(VertGba((uint32_t)v) * 8);
+        palette[n * 3 + 2] = (uint8_t)(RougeGba((uint32_t)v) * 8);
         ++n;
         if (s.n_every >= 1 && n % s.n_every == 0) pos = LitGabarit(pos, t, s.every_x);
     }
@@ -146,7 +145,7 @@ void ChargeBitmap16(int element) {
     int32_t pos = LitGabarit(0, t, s.declaration);
     if (!Echoue(t, pos) && TailleBitmapValide() && DimensionneApercu(sizex, sizey, false))
         LitBitmap(t, pos, s, [](int x, int y, uint32_t c) {
-            PoseApercu(x, y, (uint8_t)((c >> 10) * 8), (uint8_t)((c >> 5) * 8), (uint8_t)(c * 8));
+            PoseApercu(x, y, (uint8_t)(BleuGba(c) * 8), (uint8_t)(VertGba(c) * 8), (uint8_t)(RougeGba(c) * 8));
         });
     LibereTampon(t);
 }
@@ -257,8 +256,7 @@ int ChargeMosaique(uint8_t* palette, uint32_t** tuiles, const char* chemin, bool
                     unite[i] = (CouleurFond >> 16 & 0xFF) | (CouleurFond & 0xFF00) | (CouleurFond & 0xFF) << 16 |
                                0xFF000000u;
                 } else {
-                    unite[i] = (uint32_t)Composante(w, 10) | (uint32_t)Composante(w, 5) << 8 |
-                               (uint32_t)Composante(w, 0) << 16;
+                    unite[i] = (uint32_t)BleuGba(w) * 8 | (uint32_t)VertGba(w) * 8 << 8 | (uint32_t)RougeGba(w) * 8 << 16;
                 }
             } else {
                 unite[i] = w;
