@@ -238,7 +238,8 @@ int ConvertitBitmap8(ElementProjet* lignes, int maxi) {
 
 int ConvertitMosaique(ElementProjet* lignes, int maxi) {
     ReglagesConversion& c = ReglagesConv;
-    const int tx = tilex, ty = tiley;
+    const TaillesPartagees avant = TaillesPartagees::Sauve();
+    const int tx = avant.tilex, ty = avant.tiley;
     if (tx < 8 || ty < 8 || tx % 8 || ty % 8 || tx > 128 || ty > 128) return 0; // the callers check first
 
     // The area: the picture's size where none is given, up to whole tiles.
@@ -304,8 +305,7 @@ int ConvertitMosaique(ElementProjet* lignes, int maxi) {
     if (c.mosaiqueExistante >= 0) {
         uint32_t* lues = nullptr;
         const int unites = ChargeMosaique(nullptr, &lues, lignes[0].fichier, true);
-        tilex = tx;
-        tiley = ty;
+        avant.Restaure(TAILLES_TUILE);
         if (unites < 0 || !lues) {
             free(lues);
             return 0;

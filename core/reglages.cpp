@@ -28,6 +28,26 @@ int NbTuiles = 0;
 int tilebase = 0;
 int gfxmask = -1;
 
+TaillesPartagees TaillesPartagees::Sauve() {
+    return {::tilex, ::tiley, ::sizex, ::sizey, NbTuiles, ::tilebase, ::gfxmask};
+}
+
+void TaillesPartagees::Restaure(unsigned parties) const {
+    if (parties & TAILLES_TUILE) {
+        ::tilex = tilex;
+        ::tiley = tiley;
+    }
+    if (parties & TAILLES_CARTE) {
+        ::sizex = sizex;
+        ::sizey = sizey;
+    }
+    if (parties & TAILLES_NB_TUILES) NbTuiles = nbTuiles;
+    if (parties & TAILLES_AFFICHAGE) {
+        ::tilebase = tilebase;
+        ::gfxmask = gfxmask;
+    }
+}
+
 void ReinitialiseReglages() {
     ReglagesConv = ReglagesConversion{};
     ReglagesSys = ReglagesSysteme{};

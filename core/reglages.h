@@ -64,6 +64,22 @@ extern int NbTuiles;
 extern int tilebase; // tile base setting, start value 0
 extern int gfxmask;  // gfx mask setting, start value -1 (all bits)
 
+// The shared sizes as one value: taken before a load, put back after it, in
+// whole or in the parts named (the loaders leave some of what they read).
+enum : unsigned {
+    TAILLES_TUILE = 1,     // tilex, tiley
+    TAILLES_CARTE = 2,     // sizex, sizey
+    TAILLES_NB_TUILES = 4, // NbTuiles
+    TAILLES_AFFICHAGE = 8, // tilebase, gfxmask
+    TAILLES_TOUTES = 15,
+};
+struct TaillesPartagees {
+    int tilex, tiley, sizex, sizey, nbTuiles, tilebase, gfxmask;
+
+    static TaillesPartagees Sauve();
+    void Restaure(unsigned parties = TAILLES_TOUTES) const;
+};
+
 // ---- System ----------------------------------------------------------------
 
 constexpr uint32_t MEMOIRE_MAX_DEFAUT = 33554432;

@@ -159,11 +159,10 @@ void ChargeBitmap8(int element) {
     MetTamponVariable("link", lien, sizeof lien);
     const SectionFormat s = FormatCourant.sections[SECTION_BITMAP8];
     int32_t pos = LitGabarit(0, t, s.declaration);
-    const int largeur = sizex, hauteur = sizey;
+    const TaillesPartagees declarees = TaillesPartagees::Sauve();
     uint8_t palette[256 * 3];
     int couleurs = Echoue(t, pos) ? 0 : ChargePalette(palette, lien);
-    sizex = largeur;
-    sizey = hauteur;
+    declarees.Restaure(TAILLES_CARTE);
     if (couleurs > 0 && TailleBitmapValide() && DimensionneApercu(sizex, sizey, false))
         LitBitmap(t, pos, s, [&](int x, int y, uint32_t i) {
             if (i < (uint32_t)couleurs) PoseApercu(x, y, palette[i * 3], palette[i * 3 + 1], palette[i * 3 + 2]);
@@ -192,7 +191,8 @@ int ChargeMosaique(uint8_t* palette, uint32_t** tuiles, const char* chemin, bool
     const int32_t profondeur = ValeurVariable("depth");
     ReglagesConv.quinzeBits = profondeur == 15;
     ReglagesConv.quatreBits = profondeur == 4;
-    const int tx = tilex, ty = tiley;
+    const TaillesPartagees declarees = TaillesPartagees::Sauve();
+    const int tx = declarees.tilex, ty = declarees.tiley;
     if (palette && !ReglagesConv.quinzeBits && ChargePalette(palette, lien) == 0) {
         LibereTampon(t);
         return 0;
@@ -231,8 +231,7 @@ int ChargeMosaique(uint8_t* palette, uint32_t** tuiles, const char* chemin, bool
                 free(*tuiles);
                 *tuiles = nullptr;
             }
-            tilex = tx;
-            tiley = ty;
+            declarees.Restaure(TAILLES_TUILE);
             LibereTampon(t);
             return -1;
         }
@@ -267,8 +266,7 @@ int ChargeMosaique(uint8_t* palette, uint32_t** tuiles, const char* chemin, bool
             fin = Echoue(t, pos);
         }
     }
-    tilex = tx;
-    tiley = ty;
+    declarees.Restaure(TAILLES_TUILE);
     NbTuiles = lues;
     LibereTampon(t);
     return lues;
@@ -295,7 +293,8 @@ int ChargeCarte(uint8_t* palette, uint32_t** tuiles, uint32_t** cellules, int el
     }
     char textes[9][TAILLE_TEXTE_USER];
     memcpy(textes, TextesUser, sizeof textes);
-    const int tx = tilex, ty = tiley, largeur = sizex, hauteur = sizey;
+    const TaillesPartagees declarees = TaillesPartagees::Sauve();
+    const int tx = declarees.tilex, ty = declarees.tiley, largeur = declarees.sizex, hauteur = declarees.sizey;
     const int32_t profondeur = ValeurVariable("depth");
     int typeCarte;
     if (profondeur == 32) typeCarte = 2;
@@ -313,10 +312,7 @@ int ChargeCarte(uint8_t* palette, uint32_t** tuiles, uint32_t** cellules, int el
         *cellules = (uint32_t*)calloc((size_t)largeur * (size_t)hauteur, sizeof(uint32_t));
         bon = *cellules != nullptr;
     }
-    tilex = tx;
-    tiley = ty;
-    sizex = largeur;
-    sizey = hauteur;
+    declarees.Restaure(TAILLES_TUILE | TAILLES_CARTE);
     if (bon) {
         const int64_t unitesParTuile = (int64_t)(tx / 8) * (ty / 8);
         if (unitesParTuile > 0) NbTuiles = (int)(NbTuiles / unitesParTuile);
@@ -399,7 +395,8 @@ int ChargeListe(uint8_t* palette, uint32_t** tuiles, int element, ListeObjets& l
         return 0;
     }
     const int32_t nombre = ValeurVariable("size");
-    const int tx = tilex, ty = tiley, largeur = sizex, hauteur = sizey;
+    const TaillesPartagees declarees = TaillesPartagees::Sauve();
+    const int tx = declarees.tilex, ty = declarees.tiley, largeur = declarees.sizex, hauteur = declarees.sizey;
     char textes[9][TAILLE_TEXTE_USER];
     memcpy(textes, TextesUser, sizeof textes);
     auto Fin = [&](int resultat) {
@@ -427,8 +424,7 @@ int ChargeListe(uint8_t* palette, uint32_t** tuiles, int element, ListeObjets& l
     memset(liste.objets, 0, (size_t)taille * (size_t)capacite);
 
     if (ChargeMosaique(palette, tuiles, lien, false) <= 0) return Fin(0);
-    tilex = tx;
-    tiley = ty;
+    declarees.Restaure(TAILLES_TUILE);
     sizex = tx > 0 ? largeur / tx : 0;
     sizey = ty > 0 ? hauteur / ty : 0;
     if (nombre > capacite) {
