@@ -30,9 +30,12 @@ enum Prefixe { PREFIXE_AUCUN, PREFIXE_OUI, PREFIXE_NON, PREFIXE_SPECIAL };
 
 enum GenreParametre { SELECTEUR, TEXTE, ENTIER, DRAPEAU };
 
+// What a conv statement makes: chosen by tset, b8 or b16.
+enum CibleConv { CIBLE_AUCUNE, CIBLE_MOSAIQUE, CIBLE_BITMAP8, CIBLE_BITMAP16 };
+
 // What one conv statement gathers; everything starts again at each call.
 struct EtatConv {
-    int cible = 0; // 1 tileset, palette, map; 2 8-bit bitmap; 3 16-bit bitmap
+    CibleConv cible = CIBLE_AUCUNE; // tileset, palette and map; 8-bit bitmap and palette; 16-bit bitmap
     char src[TAILLE_TEXTE_CONV] = "";
     char dst[TAILLE_TEXTE_CONV] = "";
     char map[TAILLE_TEXTE_CONV] = "";
@@ -81,7 +84,7 @@ enum Derivation { SANS, DERIVE_SRC, DERIVE_DST, DERIVE_MAP, DERIVE_PAL, DERIVE_N
 struct ParametreConv {
     const char* nom;
     GenreParametre genre;
-    int cible;                   // SELECTEUR: the target kind
+    CibleConv cible;             // SELECTEUR: the target kind
     Champ (*texte)(EtatConv&);   // TEXTE: where the value goes
     Derivation derivation;
     int* (*drapeau)();           // DRAPEAU: the setting, taken as on (1) or off (0)
@@ -110,32 +113,32 @@ int* Opt() { return &ReglagesConv.optimise; }
 
 // In the order of the command's documentation; looked up from the last row.
 const ParametreConv TableParametres[] = {
-    {"tset", SELECTEUR, 1, nullptr, SANS, nullptr},
-    {"b8", SELECTEUR, 2, nullptr, SANS, nullptr},
-    {"b16", SELECTEUR, 3, nullptr, SANS, nullptr},
-    {"bmp", TEXTE, 0, Src, DERIVE_SRC, nullptr},
-    {"src", TEXTE, 0, Src, DERIVE_SRC, nullptr},
-    {"dst", TEXTE, 0, Dst, DERIVE_DST, nullptr},
-    {"til", TEXTE, 0, Dst, DERIVE_DST, nullptr},
-    {"map", TEXTE, 0, Map, DERIVE_MAP, nullptr},
-    {"pal", TEXTE, 0, Pal, DERIVE_PAL, nullptr},
-    {"name", TEXTE, 0, Nom, DERIVE_NOM, nullptr},
-    {"nametil", TEXTE, 0, NomTil, SANS, nullptr},
-    {"nameb8", TEXTE, 0, NomB8, SANS, nullptr},
-    {"nameb16", TEXTE, 0, NomB16, SANS, nullptr},
-    {"namepal", TEXTE, 0, NomPal, SANS, nullptr},
-    {"namemap", TEXTE, 0, NomMap, SANS, nullptr},
-    {"col", ENTIER, 0, nullptr, SANS, nullptr},
-    {"upal", TEXTE, 0, UPal, SANS, nullptr},
-    {"util", TEXTE, 0, UTil, SANS, nullptr},
-    {"txt", DRAPEAU, 0, nullptr, SANS, Txt},
-    {"16c", DRAPEAU, 0, nullptr, DERIVE_16C, Seize},
-    {"cmode", TEXTE, 0, CMode, SANS, nullptr},
-    {"gmap", DRAPEAU, 0, nullptr, SANS, GMap},
-    {"opt", DRAPEAU, 0, nullptr, SANS, Opt},
-    {"mapmode", TEXTE, 0, MapMode, SANS, nullptr},
-    {"mdim", TEXTE, 0, MDim, SANS, nullptr},
-    {"tdim", TEXTE, 0, TDim, SANS, nullptr},
+    {"tset", SELECTEUR, CIBLE_MOSAIQUE, nullptr, SANS, nullptr},
+    {"b8", SELECTEUR, CIBLE_BITMAP8, nullptr, SANS, nullptr},
+    {"b16", SELECTEUR, CIBLE_BITMAP16, nullptr, SANS, nullptr},
+    {"bmp", TEXTE, CIBLE_AUCUNE, Src, DERIVE_SRC, nullptr},
+    {"src", TEXTE, CIBLE_AUCUNE, Src, DERIVE_SRC, nullptr},
+    {"dst", TEXTE, CIBLE_AUCUNE, Dst, DERIVE_DST, nullptr},
+    {"til", TEXTE, CIBLE_AUCUNE, Dst, DERIVE_DST, nullptr},
+    {"map", TEXTE, CIBLE_AUCUNE, Map, DERIVE_MAP, nullptr},
+    {"pal", TEXTE, CIBLE_AUCUNE, Pal, DERIVE_PAL, nullptr},
+    {"name", TEXTE, CIBLE_AUCUNE, Nom, DERIVE_NOM, nullptr},
+    {"nametil", TEXTE, CIBLE_AUCUNE, NomTil, SANS, nullptr},
+    {"nameb8", TEXTE, CIBLE_AUCUNE, NomB8, SANS, nullptr},
+    {"nameb16", TEXTE, CIBLE_AUCUNE, NomB16, SANS, nullptr},
+    {"namepal", TEXTE, CIBLE_AUCUNE, NomPal, SANS, nullptr},
+    {"namemap", TEXTE, CIBLE_AUCUNE, NomMap, SANS, nullptr},
+    {"col", ENTIER, CIBLE_AUCUNE, nullptr, SANS, nullptr},
+    {"upal", TEXTE, CIBLE_AUCUNE, UPal, SANS, nullptr},
+    {"util", TEXTE, CIBLE_AUCUNE, UTil, SANS, nullptr},
+    {"txt", DRAPEAU, CIBLE_AUCUNE, nullptr, SANS, Txt},
+    {"16c", DRAPEAU, CIBLE_AUCUNE, nullptr, DERIVE_16C, Seize},
+    {"cmode", TEXTE, CIBLE_AUCUNE, CMode, SANS, nullptr},
+    {"gmap", DRAPEAU, CIBLE_AUCUNE, nullptr, SANS, GMap},
+    {"opt", DRAPEAU, CIBLE_AUCUNE, nullptr, SANS, Opt},
+    {"mapmode", TEXTE, CIBLE_AUCUNE, MapMode, SANS, nullptr},
+    {"mdim", TEXTE, CIBLE_AUCUNE, MDim, SANS, nullptr},
+    {"tdim", TEXTE, CIBLE_AUCUNE, TDim, SANS, nullptr},
 };
 constexpr int NbParametres = (int)(sizeof TableParametres / sizeof TableParametres[0]);
 
@@ -171,14 +174,14 @@ void DeriveSource(EtatConv& e) {
     CopieBornee(base, e.src);
     if (char* point = (char*)DerniereExtension(base)) *point = 0;
     switch (e.cible) {
-    case 3:
+    case CIBLE_BITMAP16:
         Concatene(e.dst, base, Ext(SECTION_BITMAP16));
         break;
-    case 2:
+    case CIBLE_BITMAP8:
         Concatene(e.dst, base, Ext(SECTION_BITMAP8));
         Concatene(e.pal, base, Ext(SECTION_PALETTE));
         break;
-    case 1:
+    case CIBLE_MOSAIQUE:
         Concatene(e.dst, base, Ext(SECTION_TILESET));
         Concatene(e.pal, base, Ext(SECTION_PALETTE));
         Concatene(e.map, base, Ext(SECTION_MAP));
@@ -202,14 +205,14 @@ void DeriveDestination(EtatConv& e) {
     char base[TAILLE_TEXTE_CONV];
     CopieBornee(base, e.dst);
     switch (e.cible) {
-    case 3:
+    case CIBLE_BITMAP16:
         Concatene(e.dst, base, Ext(SECTION_BITMAP16));
         break;
-    case 2:
+    case CIBLE_BITMAP8:
         Concatene(e.pal, base, Ext(SECTION_PALETTE));
         Concatene(e.dst, base, Ext(SECTION_BITMAP8));
         break;
-    case 1:
+    case CIBLE_MOSAIQUE:
         Concatene(e.pal, base, Ext(SECTION_PALETTE));
         Concatene(e.map, base, Ext(SECTION_MAP));
         Concatene(e.dst, base, Ext(SECTION_TILESET));
@@ -253,10 +256,10 @@ void Applique(EtatConv& e, const ParametreConv& p, Prefixe prefixe, const char* 
         DeriveDestination(e);
         break;
     case DERIVE_MAP:
-        if (e.cible == 1) AjouteBorne(e.map, TAILLE_TEXTE_CONV, Ext(SECTION_MAP));
+        if (e.cible == CIBLE_MOSAIQUE) AjouteBorne(e.map, TAILLE_TEXTE_CONV, Ext(SECTION_MAP));
         break;
     case DERIVE_PAL:
-        if (e.cible == 1 || e.cible == 2) AjouteBorne(e.pal, TAILLE_TEXTE_CONV, Ext(SECTION_PALETTE));
+        if (e.cible == CIBLE_MOSAIQUE || e.cible == CIBLE_BITMAP8) AjouteBorne(e.pal, TAILLE_TEXTE_CONV, Ext(SECTION_PALETTE));
         break;
     case DERIVE_NOM:
         for (char* n : {ReglagesConv.nomMosaique, ReglagesConv.nomBitmap8, ReglagesConv.nomBitmap16,
@@ -360,13 +363,13 @@ bool Execute(EtatConv& e) {
     }
     ElementProjet lignes[3];
     switch (e.cible) {
-    case 3:
+    case CIBLE_BITMAP16:
         Ligne(lignes[0], TYPE_BITMAP16, e.dst, e.src);
         if (!ChargeImage(e.src, sizex, sizey, false)) return EchecImage(e);
         if (!ConvertitBitmap16(lignes)) return false;
         AjouteElement(lignes[0]);
         return true;
-    case 2:
+    case CIBLE_BITMAP8:
         if (e.col < 1 || e.col > 255) return false;
         Ligne(lignes[0], TYPE_BITMAP8, e.dst, e.src);
         if (!ChargeImage(e.src, sizex, sizey, true)) return EchecImage(e);
@@ -375,7 +378,7 @@ bool Execute(EtatConv& e) {
         AjouteElement(lignes[0]);
         AjouteElement(lignes[1]);
         return true;
-    case 1: {
+    case CIBLE_MOSAIQUE: {
         if (e.col < 1 || e.col > 255) return false;
         int largeur = 0, hauteur = 0;
         if (e.mdim[0]) LitDimensions(e.mdim, largeur, hauteur, true);
@@ -475,7 +478,7 @@ void ExecuteConv(const char* texte) {
     const char* sujet = FichierExiste(etat.src) ? etat.src : etat.srcDonne[0] ? etat.srcDonne : texte;
     if (Rigueur.stricte) {
         VerifieValeurs(etat);
-        if (!etat.cible) Refuse(etat, "no kind of output: tset, b8 or b16 first");
+        if (etat.cible == CIBLE_AUCUNE) Refuse(etat, "no kind of output: tset, b8 or b16 first");
         if (!etat.problemes.empty()) {
             for (size_t debut = 0, fin; (fin = etat.problemes.find('\n', debut)) != std::string::npos; debut = fin + 1)
                 SignaleEchec("%s: %s", sujet, etat.problemes.substr(debut, fin - debut).c_str());

@@ -150,9 +150,9 @@ bool PaletteExistante(const ElementProjet& ligne, uint8_t* palette, int& fixes, 
 int Quantifie(uint32_t* indices, uint8_t* palette, int hauteur, int largeur, int fixes, int debut, int maxi, bool tuiles,
               uint32_t transparent) {
     switch (ReglagesConv.mode) {
-    case 1:
+    case METHODE_TRAMEE:
         return ReductionTramee(indices, palette, hauteur, largeur);
-    case 2: {
+    case METHODE_OPTIMALE: {
         const int n = ReductionOptimale(indices, palette, hauteur, largeur, fixes, maxi - 1);
         return n > 0 ? n : -1;
     }

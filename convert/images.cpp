@@ -61,7 +61,7 @@ int ChargeImage(const char* chemin, int& largeur, int& hauteur, bool garder) {
     free(donnees);
 
     const int l = lue.largeur, h = lue.hauteur;
-    if (garder && ReglagesConv.mode != 0 && !ReglagesConv.quinzeBits) {
+    if (garder && ReglagesConv.mode != METHODE_NORMALE && !ReglagesConv.quinzeBits) {
         LibereImageGardee();
         ImageGardee = lue;
         BitsImageGardee = bits;

@@ -259,7 +259,7 @@ void EcritInfos(FILE* f) {
             "\n  convert.couleurMasque = RGB(%i,%i,%i)\n  convert.luminosite   GAMMA=RGB(%.3f,%.3f,%.3f)  "
             "ADD=RGB(%.1f,%.1f,%.1f)  ALPHA=RGB(%.1f,%.1f,%.1f)\n  convert.mode = %i\n\n",
             c.masque[0], c.masque[1], c.masque[2], 1.0 / c.gamma[0], 1.0 / c.gamma[1], 1.0 / c.gamma[2], c.add[0],
-            c.add[1], c.add[2], c.alpha[0], c.alpha[1], c.alpha[2], c.mode);
+            c.add[1], c.add[2], c.alpha[0], c.alpha[1], c.alpha[2], (int)c.mode);
 
     const ReglagesSysteme& s = ReglagesSys;
     if (s.sauverParamsMaps == 0) fprintf(f, "  system.sauverParamsMaps = %s\n", OuiNon(0));

@@ -19,6 +19,9 @@ extern char RepertoireNote[TAILLE_TEXTE_REGLAGE];  // répertoire / directory: k
 
 // ---- Conversion --------------------------------------------------------------
 
+// How a picture of many colours is brought to a palette (convert.mode).
+enum MethodeCouleurs { METHODE_NORMALE = 0, METHODE_TRAMEE = 1, METHODE_OPTIMALE = 2 };
+
 // Colour components are in the order red, green, blue.
 struct ReglagesConversion {
     uint8_t masque[3] = {255, 0, 254}; // convert.couleurmasque / maskcolor
@@ -29,7 +32,7 @@ struct ReglagesConversion {
     int nuances = 32;                  // convert.nuances / shades
     int nuancesAvant = 0;              // convert.nuancesavant / shadesbefore
     int tronquer = 0;                  // convert.tronquer / truncate
-    int mode = 0;                      // convert.mode / quantization: 0 normal, 1 halftone, 2 optimal
+    MethodeCouleurs mode = METHODE_NORMALE; // convert.mode / quantization
     int precisionMax = 512;            // convert.precisionmax / maxprecision
     int utilMaxCoul = 0;               // convert.utilmaxcoul / usemaxcolors
 

@@ -180,9 +180,10 @@ void Mode(char* a) {
     while (n > 0 && EstBlanc(a[n - 1])) a[--n] = 0;
     static const struct {
         const char* mot;
-        int mode;
-    } mots[] = {{"0", 0}, {"1", 1}, {"2", 2}, {"initial", 0}, {"normal", 0}, {"halftone", 1},
-                {"tram\xE9", 1}, {"optimal", 2}, {"meilleur", 2}};
+        MethodeCouleurs mode;
+    } mots[] = {{"0", METHODE_NORMALE},      {"1", METHODE_TRAMEE},         {"2", METHODE_OPTIMALE},
+                {"initial", METHODE_NORMALE}, {"normal", METHODE_NORMALE},   {"halftone", METHODE_TRAMEE},
+                {"tram\xE9", METHODE_TRAMEE}, {"optimal", METHODE_OPTIMALE}, {"meilleur", METHODE_OPTIMALE}};
     for (const auto& m : mots) {
         size_t l = CommenceParLatin1(a, m.mot);
         if (l && a[l] == 0) {

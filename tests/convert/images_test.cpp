@@ -112,7 +112,7 @@ TEST_F(Images, GarderSelonLeMode) {
         const std::string trace = std::to_string(c.garder) + " mode " + std::to_string(c.mode) + " 15 bits " +
                                   std::to_string(c.quinzeBits) + (c.png ? " png" : " bmp");
         RemplitApercu();
-        ReglagesConv.mode = c.mode;
+        ReglagesConv.mode = (MethodeCouleurs)c.mode;
         ReglagesConv.quinzeBits = c.quinzeBits;
         const std::string avant = Empreinte();
         ASSERT_EQ(Charge(c.png ? "a.png" : "a.bmp", c.garder), 1) << trace;

@@ -134,7 +134,7 @@ TEST(ProjetEcriture, ReglagesEtModelesHorsDefaut) {
                     .nuances = 16,
                     .nuancesAvant = 1,
                     .tronquer = 1,
-                    .mode = 2,
+                    .mode = METHODE_OPTIMALE,
                     .precisionMax = 64,
                     .utilMaxCoul = 1};
     ReglagesSys = {300, 0, 1, 8389632, 0};

@@ -44,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* donnees, size_t taille) {
     }
     const char* nom = route == 2 ? "entree.bmp" : "entree.img";
     EcritFichier(nom, donnees, taille);
-    if (route == 3) ReglagesConv.mode = 2;
+    if (route == 3) ReglagesConv.mode = METHODE_OPTIMALE;
     int largeur = 0, hauteur = 0;
     if (ChargeImage(nom, largeur, hauteur, route == 3) && route == 3) Verifie(ImageGardee);
     LibereImageGardee();

@@ -194,14 +194,14 @@ TEST_F(Dictionnaire, ModeParChiffreOuParMot) {
     } cas[] = {{"2", 2},       {"0", 0},        {"1", 1},        {"normal", 0},  {"initial", 0},
                {"optimal", 2}, {"meilleur", 2}, {"HalfTone", 1}, {"TRAM\xE9", 1}};
     for (const auto& c : cas) {
-        ReglagesConv.mode = c.attendu == 1 ? 0 : 1;
+        ReglagesConv.mode = c.attendu == 1 ? METHODE_NORMALE : METHODE_TRAMEE;
         Execute(std::string("convert.mode = ") + c.valeur);
         EXPECT_EQ(ReglagesConv.mode, c.attendu) << c.valeur;
     }
     EXPECT_TRUE(e.messages.empty());
     for (const std::string inconnu : {"3", "bidule", "1 2", "tram\xC9"}) {
         e.messages.clear();
-        ReglagesConv.mode = 2;
+        ReglagesConv.mode = METHODE_OPTIMALE;
         Execute("convert.quantization = " + inconnu);
         EXPECT_EQ(ReglagesConv.mode, 2) << inconnu;
         EXPECT_EQ(e.messages,
