@@ -2,8 +2,11 @@
 
 #include "platform/texte.h"
 
+#include <unistd.h>
+
 #include <cstdarg>
 #include <cstdio>
+#include <ctime>
 
 namespace {
 
@@ -30,10 +33,22 @@ int FichierSansFenetre(int, char* sortie, size_t taille, const char*, const char
 
 int CommandeSansFenetre(const char*) { return 0; }
 
+int64_t MillisecondesSysteme() {
+    timespec t;
+    clock_gettime(CLOCK_MONOTONIC, &t);
+    return (int64_t)t.tv_sec * 1000 + t.tv_nsec / 1000000;
+}
+
+uint64_t MemoireLibreSysteme() {
+    const long pages = sysconf(_SC_AVPHYS_PAGES), taille = sysconf(_SC_PAGESIZE);
+    return pages > 0 && taille > 0 ? (uint64_t)pages * (uint64_t)taille : 0;
+}
+
 } // namespace
 
-const Plateforme PlateformeSansFenetre = {BoiteSansFenetre, AttenteSansFenetre, FichierSansFenetre,
-                                          CommandeSansFenetre, AttenteSansFenetre};
+const Plateforme PlateformeSansFenetre = {BoiteSansFenetre,    AttenteSansFenetre,   FichierSansFenetre,
+                                          CommandeSansFenetre, AttenteSansFenetre,   MillisecondesSysteme,
+                                          MemoireLibreSysteme, DessineTextePolice,   LargeurTextePolice};
 Plateforme PlateformeCourante = PlateformeSansFenetre;
 
 int BoiteMessage(const char* texte, const char* titre, int style) {

@@ -6,6 +6,9 @@
 #pragma once
 #include <cstdarg>
 #include <cstddef>
+#include <cstdint>
+
+struct Image;
 
 // Buttons of a message box. A headless run answers with the first button.
 constexpr int BOITE_OK = 0;
@@ -42,6 +45,18 @@ struct Plateforme {
     // Shows "Please wait..." on the main window's strip during a long
     // operation (1), or puts its title back (0).
     void (*titreAttente)(int visible);
+    // Milliseconds from any fixed origin: the only clock of the editor's
+    // pulses, fades, popup delay and edge scrolling.
+    int64_t (*millisecondes)();
+    // Bytes of physical memory free now.
+    uint64_t (*memoireLibre)();
+    // Text over a 24-bit surface, its top left corner at (x, y), without
+    // background, in the colour word given (red in bits 0-7); clipped by the
+    // surface. The headless default is a built-in 5 x 7 bitmap font, the same
+    // pixels on every machine.
+    void (*dessineTexte)(Image& surface, int x, int y, const char* texte, uint32_t couleur);
+    // Width in pixels of a text in that font.
+    int (*largeurTexte)(const char* texte);
 };
 
 // The seam in force. Starts with the headless defaults.
@@ -50,6 +65,17 @@ extern Plateforme PlateformeCourante;
 extern const Plateforme PlateformeSansFenetre;
 
 // Short forms through the seam.
+inline int64_t Millisecondes() { return PlateformeCourante.millisecondes(); }
+inline void DessineTexte(Image& surface, int x, int y, const char* texte, uint32_t couleur) {
+    PlateformeCourante.dessineTexte(surface, x, y, texte, couleur);
+}
+inline int LargeurTexte(const char* texte) { return PlateformeCourante.largeurTexte(texte); }
+// The built-in font: each printable ASCII character 5 x 7 pixels in a cell
+// of 6 x 8; other bytes show as a hollow box.
+constexpr int LARGEUR_CAR_POLICE = 6;
+constexpr int HAUTEUR_CAR_POLICE = 8;
+void DessineTextePolice(Image& surface, int x, int y, const char* texte, uint32_t couleur);
+int LargeurTextePolice(const char* texte);
 int BoiteMessage(const char* texte, const char* titre, int style = BOITE_OK);
 // A message without a title of its own: the plain box titled "Debuging".
 void MessageDebug(const char* texte);

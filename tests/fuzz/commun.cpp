@@ -58,7 +58,11 @@ int DialogueAnnule(int, char* sortie, size_t taille, const char*, const char*, c
 }
 int AucuneCommande(const char*) { return 0; }
 
-const Plateforme PlateformeMuette = {BoiteMuette, RienAttente, DialogueAnnule, AucuneCommande, RienAttente};
+const Plateforme PlateformeMuette = {BoiteMuette,          RienAttente,
+                                     DialogueAnnule,       AucuneCommande,
+                                     RienAttente,          PlateformeSansFenetre.millisecondes,
+                                     PlateformeSansFenetre.memoireLibre, PlateformeSansFenetre.dessineTexte,
+                                     PlateformeSansFenetre.largeurTexte};
 
 // ---- The scratch folder --------------------------------------------------------------
 
@@ -236,7 +240,7 @@ void ReinitialiseEtat(bool formats) {
     MemoireRefusee = 0;
     EmulGba = 1;
     ModeDirect = 0;
-    CheminCarteChargee[0] = 0;
+    DerniereCarte.chemin[0] = 0;
 }
 
 namespace {

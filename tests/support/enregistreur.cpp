@@ -101,10 +101,14 @@ void DessineNoeud(const ArbreMemoire& a, NoeudArbre id, int niveau, std::string&
 
 EnregistreurMessages::EnregistreurMessages() {
     EnregistreurActif = this;
-    PlateformeCourante = {BoiteEnregistree, AttenteEnregistree, FichierEnregistre, [](const char*) { return 0; },
-                          [](int visible) {
-                              if (EnregistreurActif) EnregistreurActif->titreAttente = visible;
-                          }};
+    PlateformeCourante = PlateformeSansFenetre;
+    PlateformeCourante.boiteMessage = BoiteEnregistree;
+    PlateformeCourante.afficheAttente = AttenteEnregistree;
+    PlateformeCourante.choisitFichier = FichierEnregistre;
+    PlateformeCourante.lanceCommande = [](const char*) { return 0; };
+    PlateformeCourante.titreAttente = [](int visible) {
+        if (EnregistreurActif) EnregistreurActif->titreAttente = visible;
+    };
 }
 
 EnregistreurMessages::~EnregistreurMessages() {
