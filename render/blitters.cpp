@@ -44,15 +44,28 @@ bool Decoupe(const Image* s, int x, int y, int l, int h, Zone& z) {
     return true;
 }
 
-bool SurfacePrete(const Image* s) { return s && s->pixels && s->bits == 24; }
+// 24-bit surfaces, and 32-bit ones whose fourth byte of a pixel becomes 0
+// wherever anything is drawn (a work picture cleared to another value tells
+// the pixels drawn from the others).
+bool SurfacePrete(const Image* s) { return s && s->pixels && (s->bits == 24 || s->bits == 32); }
 
-uint8_t* Pixel(Image* s, int x, int ligne) { return s->pixels + (size_t)(s->hauteur - 1 - ligne) * (size_t)s->pas + (size_t)x * 3; }
+uint8_t* Pixel(Image* s, int x, int ligne) {
+    return s->pixels + (size_t)(s->hauteur - 1 - ligne) * (size_t)s->pas + (size_t)x * (size_t)(s->bits / 8);
+}
 
-inline void Melange(uint8_t* d, uint8_t b, uint8_t g, uint8_t r, int a) {
+inline void Pose(uint8_t* d, int o, uint8_t b, uint8_t g, uint8_t r) {
+    d[0] = b;
+    d[1] = g;
+    d[2] = r;
+    if (o == 4) d[3] = 0;
+}
+
+inline void Melange(uint8_t* d, int o, uint8_t b, uint8_t g, uint8_t r, int a) {
     const int na = 255 - a;
     d[0] = (uint8_t)((b * a + d[0] * na) >> 8);
     d[1] = (uint8_t)((g * a + d[1] * na) >> 8);
     d[2] = (uint8_t)((r * a + d[2] * na) >> 8);
+    if (o == 4) d[3] = 0;
 }
 
 // ---- Blocks ------------------------------------------------------------------------
@@ -66,12 +79,13 @@ void Bloc(Image* s, int x, int y, int l, int h, const uint32_t* src, const uint8
     Zone z;
     if (!Decoupe(s, x, y, l, h, z)) return;
     const uint32_t masqueIndex = masque & 0xFF;
+    const int o = s->bits / 8;
     for (int ty = z.ty0; ty < z.ty1; ++ty) {
         const int64_t j = MiroirV ? h - 1 - (ty - z.by) : ty - z.by;
         const uint32_t* ligne = src + (size_t)j * (size_t)l;
         int64_t i = MiroirH ? l - 1 - (z.tx0 - z.bx) : z.tx0 - z.bx;
         uint8_t* d = Pixel(s, z.tx0, ty);
-        for (int tx = z.tx0; tx < z.tx1; ++tx, d += 3, i += MiroirH ? -1 : 1) {
+        for (int tx = z.tx0; tx < z.tx1; ++tx, d += o, i += MiroirH ? -1 : 1) {
             const uint32_t w = ligne[i];
             uint8_t b, g, r;
             if constexpr (Direct) {
@@ -86,13 +100,10 @@ void Bloc(Image* s, int x, int y, int l, int h, const uint32_t* src, const uint8
                 g = c[1];
                 r = c[2];
             }
-            if constexpr (Alpha) {
-                Melange(d, b, g, r, alpha);
-            } else {
-                d[0] = b;
-                d[1] = g;
-                d[2] = r;
-            }
+            if constexpr (Alpha)
+                Melange(d, o, b, g, r, alpha);
+            else
+                Pose(d, o, b, g, r);
         }
     }
 }
@@ -167,16 +178,14 @@ template <bool Alpha> void Remplit(Image* s, int x, int y, int l, int h, uint32_
     if (!Decoupe(s, x, y, l, h, z)) return;
     uint8_t b, g, r;
     Octets(couleur, b, g, r);
+    const int o = s->bits / 8;
     for (int ty = z.ty0; ty < z.ty1; ++ty) {
         uint8_t* d = Pixel(s, z.tx0, ty);
-        for (int tx = z.tx0; tx < z.tx1; ++tx, d += 3) {
-            if constexpr (Alpha) {
-                Melange(d, b, g, r, alpha);
-            } else {
-                d[0] = b;
-                d[1] = g;
-                d[2] = r;
-            }
+        for (int tx = z.tx0; tx < z.tx1; ++tx, d += o) {
+            if constexpr (Alpha)
+                Melange(d, o, b, g, r, alpha);
+            else
+                Pose(d, o, b, g, r);
         }
     }
 }
@@ -207,7 +216,7 @@ void Ligne(Image* s, int64_t x, int64_t ligne, int64_t n, uint32_t couleur, int 
     int64_t debut = std::max<int64_t>(x, std::max<int64_t>(CadreDessin.xOrigine, 0));
     int64_t fin = std::min<int64_t>(x + n, std::min<int64_t>(CadreDessin.xLimite, s->largeur));
     for (int64_t i = debut; i < fin; ++i)
-        if (DansCadre(s, i, ligne)) Melange(Pixel(s, (int)i, (int)ligne), b, g, r, alpha);
+        if (DansCadre(s, i, ligne)) Melange(Pixel(s, (int)i, (int)ligne), s->bits / 8, b, g, r, alpha);
 }
 
 // A column of pixels from row haut to row bas, each tested against the frame.
@@ -217,7 +226,7 @@ void Colonne(Image* s, int64_t x, int64_t haut, int64_t bas, uint32_t couleur, i
     int64_t debut = std::max<int64_t>(haut, std::max<int64_t>(CadreDessin.yOrigine, 0));
     int64_t fin = std::min<int64_t>(bas, std::min<int64_t>((int64_t)CadreDessin.yLimite - 1, s->hauteur - 1));
     for (int64_t r2 = debut; r2 <= fin; ++r2)
-        if (DansCadre(s, x, r2)) Melange(Pixel(s, (int)x, (int)r2), b, g, r, alpha);
+        if (DansCadre(s, x, r2)) Melange(Pixel(s, (int)x, (int)r2), s->bits / 8, b, g, r, alpha);
 }
 
 // The horizontal extent of a frame, clipped as the blocks are.

@@ -1,5 +1,6 @@
 // The pixel layer: blocks of 32-bit source pixels, fills and frames drawn
-// into 24-bit surfaces, clipped by CadreDessin. The routines never allocate
+// into 24-bit surfaces (or 32-bit work pictures, whose fourth byte becomes 0
+// where anything is drawn), clipped by CadreDessin. The routines never allocate
 // and never fail: a null surface or source draws nothing.
 //
 // Source pixels are one 32-bit word each. Indexed (ModeDirect 0): a palette
