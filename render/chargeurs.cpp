@@ -19,7 +19,7 @@
 #include <cstdlib>
 #include <cstring>
 
-char CheminCarteChargee[260];
+CarteLue DerniereCarte;
 
 // ---- Shared steps --------------------------------------------------------------------
 
@@ -60,11 +60,21 @@ struct TextesElement {
 
 void EffaceApercu();
 
+// What a map or list declaration gave, kept for the editor before the
+// tileset's load resets the variables.
+void Retient(const TextesElement& lus, int formatCellule) {
+    CopieBornee(DerniereCarte.nom, lus.nom);
+    CopieBornee(DerniereCarte.lien, lus.lien);
+    CopieBornee(DerniereCarte.type, lus.type);
+    DerniereCarte.formatCellule = formatCellule;
+    for (int i = 0; i < 8; ++i) CopieBornee(DerniereCarte.textes[i], TextesUser[i + 1]);
+}
+
 // The first steps of a map or a list: the path remembered for the editor, the
 // file read, the surface cleared.
 bool OuvreCarteOuListe(int element, TamponLecture& t) {
     const char* chemin = Elements[element].fichier;
-    CopieBornee(CheminCarteChargee, chemin);
+    CopieBornee(DerniereCarte.chemin, chemin);
     if (!Ouvre(chemin, t, "The specified map file doesn't exist")) return false;
     EffaceApercu();
     return true;
@@ -186,6 +196,7 @@ int ChargeMosaique(uint8_t* palette, uint32_t** tuiles, const char* chemin, bool
         LibereTampon(t);
         return 0;
     }
+    CopieBornee(DerniereCarte.lienMosaique, lien);
     // The palette's load resets the variables: keep what the declaration gave.
     const int32_t taille = ValeurVariable("size");
     const int32_t profondeur = ValeurVariable("depth");
@@ -301,6 +312,7 @@ int ChargeCarte(uint8_t* palette, uint32_t** tuiles, uint32_t** cellules, int el
     else if (profondeur == 8) typeCarte = 0;
     else if (profondeur != 0) typeCarte = 1;
     else typeCarte = strcmp(type, type32) == 0 ? 2 : strcmp(type, type8) == 0 ? 0 : 1;
+    Retient(textesLus, typeCarte);
 
     bool bon = true;
     if (lien[0])
@@ -395,6 +407,7 @@ int ChargeListe(uint8_t* palette, uint32_t** tuiles, int element, ListeObjets& l
         return 0;
     }
     const int32_t nombre = ValeurVariable("size");
+    Retient(textesLus, 0);
     const TaillesPartagees declarees = TaillesPartagees::Sauve();
     const int tx = declarees.tilex, ty = declarees.tiley, largeur = declarees.sizex, hauteur = declarees.sizey;
     char textes[9][TAILLE_TEXTE_USER];

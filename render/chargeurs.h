@@ -3,13 +3,24 @@
 // into caller buffers, bitmaps straight into SurfaceApercu, map cells into a
 // caller buffer), following the links to the files it depends on.
 #pragma once
+#include "format/variables.h"
+
 #include <cstdint>
 
 constexpr int UNITES_MAX = 8192;            // 8 x 8 units a tileset may hold
 constexpr int64_t CELLULES_MAX = 4096 * 4096; // cells a map may declare
 
-// The path of the last map loaded, for the editor.
-extern char CheminCarteChargee[260];
+// What the last map or list load read besides its values, for the editor.
+struct CarteLue {
+    char chemin[260];       // the element's file
+    char nom[260];          // name
+    char lien[260];         // link: the tileset's file
+    char type[260];         // type
+    char lienMosaique[260]; // the tileset's link: its palette (set by every tileset load)
+    int formatCellule;      // cells of 8, 16 or 32 bits: 0, 1, 2
+    char textes[8][TAILLE_TEXTE_USER]; // user[1] to user[8] as the file gave them
+};
+extern CarteLue DerniereCarte;
 
 // A palette into 256 entries of blue, green, red (component x 8), cleared
 // first. Gives the number of colours read, 0 on failure.
