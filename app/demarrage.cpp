@@ -10,6 +10,7 @@
 #include "core/projet.h"
 #include "core/reglages.h"
 #include "editor/editeur.h"
+#include "editor/plans.h"
 #include "format/formats.h"
 #include "format/variables.h"
 #include "platform/fichiers.h"
@@ -75,6 +76,7 @@ void InstalleCrochets() {
     InstalleFormats();
     CrochetsScript.conv = ConvDepuisScript;
     CrochetsScript.reconstruitTablesCouleur = ConstruitTablesCouleur;
+    InstalleEditeur();
 }
 
 } // namespace
