@@ -13,6 +13,7 @@
 #include "render/blitters.h"
 #include "render/surfaces.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 #include <thread>
@@ -20,12 +21,14 @@
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
+#include <tmmintrin.h>
 #endif
 
 Image SurfaceSelecteur;
 int AlphaSelecteur = 75;
 int TempsSurvol = 0;
 int FilsComposition = 2;
+bool RouteParUnites = true;
 
 namespace {
 
@@ -284,12 +287,18 @@ const Resolution& Resous(int plan, const uint8_t* palette) {
     return r;
 }
 
-// What one map plane gives the units of the view this frame.
+// What one map plane gives the units of the view this frame: its fields
+// taken once, and for each unit column and row of the view the cell and the
+// unit inside the block (-1: nothing there).
 struct PlanUnites {
     int plan;
     int alpha;
     const Resolution* resolution;
-    std::vector<int> colonneCellule, colonneUnite; // per unit column: cell, unit in the block (-1: none)
+    const uint32_t* cellules;
+    int sizex;
+    uint32_t tilebase, gfxmask, masque, parBloc, unitesLigne, nbTuiles, unites;
+    bool conditions, emul, banques;
+    std::vector<int> colonneCellule, colonneUnite;
     std::vector<int> ligneCellule, ligneUnite;
 };
 
@@ -302,27 +311,25 @@ struct Unite {
 inline Unite UniteDe(const PlanUnites& u, int ux, int uy) {
     const int i = u.colonneCellule[(size_t)ux], j = u.ligneCellule[(size_t)uy];
     if (i < 0 || j < 0) return {nullptr, false, false, false};
-    const Plan& p = Plans[u.plan];
-    const uint32_t v = p.cellules[(size_t)j * p.sizex + i] + (uint32_t)p.tilebase;
-    const int32_t t = ConvertitCellule(v, u.plan, p.gfxmask);
-    if (!TuileVisible(p, t)) return {nullptr, false, false, false};
-    const uint32_t dans = (uint32_t)(u.ligneUnite[(size_t)uy] * (p.baseX / 8) + u.colonneUnite[(size_t)ux]);
-    const Resolution& r = *u.resolution;
-    const uint32_t parBloc = (uint32_t)(p.baseX * p.baseY / 64);
+    const uint32_t v = u.cellules[(size_t)j * (size_t)u.sizex + (size_t)i] + u.tilebase;
+    const int32_t t = u.conditions ? ConvertitCellule(v, u.plan, u.gfxmask) : (int32_t)(v & u.gfxmask);
+    if (t < 0 || ((uint32_t)t & u.masque) >= u.nbTuiles) return {nullptr, false, false, false};
+    const uint32_t dans = (uint32_t)u.ligneUnite[(size_t)uy] * u.unitesLigne + (uint32_t)u.colonneUnite[(size_t)ux];
     uint32_t index;
     bool mh = false, mv = false;
     int banque = 0;
-    if (p.emulgba > 0) {
-        const uint32_t c = dans + (uint32_t)t * parBloc;
+    if (u.emul) {
+        const uint32_t c = dans + (uint32_t)t * u.parBloc;
         index = TuileDeCellule(c);
         mh = MiroirHDeCellule(c);
         mv = MiroirVDeCellule(c);
-        if (r.banques > 1) banque = BanqueDeCellule(c);
+        if (u.banques) banque = BanqueDeCellule(c);
     } else {
-        index = (uint32_t)t * parBloc + dans;
+        index = (uint32_t)t * u.parBloc + dans;
     }
-    if (index >= (uint32_t)r.unites) return {nullptr, false, false, false};
-    const size_t k = (size_t)banque * (size_t)r.unites + index;
+    if (index >= u.unites) return {nullptr, false, false, false};
+    const size_t k = (size_t)banque * u.unites + index;
+    const Resolution& r = *u.resolution;
     return {r.pixels.data() + k * 64, mh, mv, r.plein[k] != 0};
 }
 
@@ -331,6 +338,10 @@ uint32_t* LigneTravail(int ligne) { return (uint32_t*)(Travail.pixels + (size_t)
 // One unit over the work picture: pixels that are not transparent replace
 // (alpha 0) or blend into what is there.
 void PoseUnite(uint32_t* d, ptrdiff_t pas, const Unite& u, int alpha) {
+    if (alpha == 0 && u.plein && !u.miroirH) {
+        for (int r = 0; r < 8; ++r, d -= pas) memcpy(d, u.pixels + (u.miroirV ? 7 - r : r) * 8, 32);
+        return;
+    }
     for (int r = 0; r < 8; ++r, d -= pas) {
         const uint32_t* s = u.pixels + (u.miroirV ? 7 - r : r) * 8;
 #if defined(__SSE2__)
@@ -379,10 +390,67 @@ void PoseUnite(uint32_t* d, ptrdiff_t pas, const Unite& u, int alpha) {
     }
 }
 
+// What a run of units does before and after its planes: the first run
+// fills the background, the last turns the rows into the 24-bit surface,
+// each row while it is still in the cache.
+struct Bornes {
+    bool remplit, convertit;
+    uint32_t fond;
+    int largeur, hauteur; // of the view, within the surface
+};
+
+#if defined(__x86_64__)
+// Sixteen pixels a step with SSSE3's byte shuffle, where the processor has it.
+__attribute__((target("ssse3"))) int Convertit16(const uint32_t* s, uint8_t* d, int largeur) {
+    const __m128i ordre = _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
+    int x = 0;
+    // Each store writes 16 bytes for 12: the last group of a row stops
+    // early enough that the 4 extra bytes stay inside the row.
+    for (; x + 16 + 2 <= largeur; x += 16, d += 48) {
+        for (int k = 0; k < 4; ++k) {
+            const __m128i p = _mm_loadu_si128((const __m128i*)(s + x + 4 * k));
+            _mm_storeu_si128((__m128i*)(d + 12 * k), _mm_shuffle_epi8(p, ordre));
+        }
+    }
+    return x;
+}
+const bool AvecSsse3 = __builtin_cpu_supports("ssse3");
+#endif
+
+// Rows of the work picture into SurfaceEditeur: four pixels a step, as
+// three words of the 24-bit row.
+void Convertit(int y0, int y1, int largeur) {
+    for (int y = y0; y < y1; ++y) {
+        const uint32_t* s = LigneTravail(y);
+        uint8_t* d = SurfaceEditeur.pixels + (size_t)(SurfaceEditeur.hauteur - 1 - y) * SurfaceEditeur.pas;
+        int x = 0;
+#if defined(__x86_64__)
+        if (AvecSsse3) {
+            x = Convertit16(s, d, largeur);
+            d += 3 * x;
+        }
+#endif
+        for (; x + 4 <= largeur; x += 4, d += 12) {
+            const uint32_t a = s[x] & 0xFFFFFF, b = s[x + 1] & 0xFFFFFF, c = s[x + 2] & 0xFFFFFF,
+                           e = s[x + 3] & 0xFFFFFF;
+            const uint64_t premiers = (uint64_t)(a | b << 24) | (uint64_t)(b >> 8 | c << 16) << 32;
+            const uint32_t dernier = c >> 16 | e << 8;
+            memcpy(d, &premiers, 8);
+            memcpy(d + 8, &dernier, 4);
+        }
+        for (; x < largeur; ++x, d += 3) {
+            const uint32_t w = s[x];
+            d[0] = (uint8_t)w;
+            d[1] = (uint8_t)(w >> 8);
+            d[2] = (uint8_t)(w >> 16);
+        }
+    }
+}
+
 // A run of map planes over unit rows [debut, fin) of the work picture. When
 // no plane of the run blends, a unit starts at the highest plane that covers
 // it whole.
-void ComposeUnites(const std::vector<PlanUnites>& plans, int debut, int fin, int colonnes) {
+void ComposeUnites(const std::vector<PlanUnites>& plans, int debut, int fin, int colonnes, const Bornes& b) {
     bool opaque = true;
     for (const PlanUnites& p : plans) opaque &= p.alpha == 0;
     const ptrdiff_t pas = Travail.pas / 4;
@@ -393,11 +461,19 @@ void ComposeUnites(const std::vector<PlanUnites>& plans, int debut, int fin, int
             size_t premier = 0;
             for (size_t k = 0; k < plans.size(); ++k) {
                 unites[k] = UniteDe(plans[k], ux, uy);
-                if (opaque && unites[k].pixels && unites[k].plein) premier = k;
+                if (!unites[k].pixels) continue;
+                if (opaque && unites[k].plein) premier = k;
+                // The units of a tileset lie all over the cache: ask for
+                // each one's four lines before the first is drawn.
+                for (int l = 0; l < 4; ++l) __builtin_prefetch(unites[k].pixels + 16 * l);
             }
+            // The background, unless a whole unit covers it.
+            if (b.remplit && !(opaque && !plans.empty() && unites[premier].pixels && unites[premier].plein))
+                for (int r = 0; r < 8; ++r) std::fill_n(ligne + ux * 8 - r * pas, 8, b.fond);
             for (size_t k = premier; k < plans.size(); ++k)
                 if (unites[k].pixels) PoseUnite(ligne + ux * 8, pas, unites[k], plans[k].alpha);
         }
+        if (b.convertit) Convertit(uy * 8, uy * 8 + 8 < b.hauteur ? uy * 8 + 8 : b.hauteur, b.largeur);
     }
 }
 
@@ -417,7 +493,22 @@ PlanUnites PrepareUnites(int plan, int alpha, int colonnes, int lignes) {
     const Plan& p = Plans[plan];
     uint8_t* palette = PalettePlan(plan);
     EntreeFond(palette);
-    PlanUnites u{plan, alpha, &Resous(plan, palette), {}, {}, {}, {}};
+    PlanUnites u{};
+    u.plan = plan;
+    u.alpha = alpha;
+    u.resolution = &Resous(plan, palette);
+    u.cellules = p.cellules;
+    u.sizex = p.sizex;
+    u.tilebase = (uint32_t)p.tilebase;
+    u.gfxmask = p.gfxmask;
+    u.masque = MasqueCellule(p);
+    u.parBloc = (uint32_t)(p.baseX * p.baseY / 64);
+    u.unitesLigne = (uint32_t)(p.baseX / 8);
+    u.nbTuiles = (uint32_t)(p.nbTuiles > 0 ? p.nbTuiles : 0);
+    u.unites = (uint32_t)u.resolution->unites;
+    u.conditions = NbConditions[plan] > 0;
+    u.emul = p.emulgba > 0;
+    u.banques = u.resolution->banques > 1;
     const int ox = DecalageCellules(DecalageX, p.vitesseX, p.tilex);
     const int oy = DecalageCellules(DecalageY, p.vitesseY, p.tiley);
     const int nx = CellulesVues(p.sizex, ox, Vue.largeurVueZ, p.tilex);
@@ -462,29 +553,27 @@ void ComposeParUnites() {
     const int colonnes = (Vue.largeurVueZ + 7) / 8, lignes = (Vue.hauteurVueZ + 7) / 8;
     if (Travail.largeur != colonnes * 8 || Travail.hauteur != lignes * 8)
         if (!CreeImage(Travail, colonnes * 8, lignes * 8, 32)) return;
-    const uint32_t fond = (CouleurFond >> 16 & 255) | (CouleurFond & 0xFF00) | (CouleurFond & 255) << 16;
-    EnDeux(lignes * 8, [&](int debut, int fin) {
-        for (int y = debut; y < fin; ++y) {
-            uint32_t* l = LigneTravail(y);
-            for (int x = 0; x < colonnes * 8; ++x) l[x] = fond;
-        }
-    });
+    Bornes bornes{true, false, (CouleurFond >> 16 & 255) | (CouleurFond & 0xFF00) | (CouleurFond & 255) << 16,
+                  Vue.largeurVueZ < SurfaceEditeur.largeur ? Vue.largeurVueZ : SurfaceEditeur.largeur,
+                  Vue.hauteurVueZ < SurfaceEditeur.hauteur ? Vue.hauteurVueZ : SurfaceEditeur.hauteur};
     // Planes in drawing order; a list plane ends a run of map planes.
     int ordre[NB_PLANS_MAX + 1], n = 0;
     for (int i = 0; i < NbPlans; ++i)
         if (i != PlanActif && ReglagesPlans.visible[i]) ordre[n++] = i;
     if (PlanActif >= 0 && PlanActif < NbPlans) ordre[n++] = PlanActif;
     std::vector<PlanUnites> serie;
-    auto Vide = [&] {
-        if (serie.empty()) return;
-        EnDeux(lignes, [&](int debut, int fin) { ComposeUnites(serie, debut, fin, colonnes); });
+    auto Vide = [&](bool dernier) {
+        bornes.convertit = dernier;
+        if (serie.empty() && !bornes.remplit && !dernier) return;
+        EnDeux(lignes, [&](int debut, int fin) { ComposeUnites(serie, debut, fin, colonnes, bornes); });
         serie.clear();
+        bornes.remplit = false;
     };
     for (int k = 0; k < n; ++k) {
         const int i = ordre[k];
         const int alpha = i == PlanActif ? AlphaActif() : AlphaAutres();
         if (Plans[i].typePlan == TYPE_LISTE) {
-            Vide();
+            Vide(false);
             Cible = &Travail;
             DessineListe(PalettePlan(i), DecalageX, DecalageY, alpha, i);
             Cible = &SurfaceEditeur;
@@ -492,22 +581,7 @@ void ComposeParUnites() {
             serie.push_back(PrepareUnites(i, alpha, colonnes, lignes));
         }
     }
-    Vide();
-    // Into the 24-bit surface, the view's rectangle only.
-    const int l = Vue.largeurVueZ < SurfaceEditeur.largeur ? Vue.largeurVueZ : SurfaceEditeur.largeur;
-    const int h = Vue.hauteurVueZ < SurfaceEditeur.hauteur ? Vue.hauteurVueZ : SurfaceEditeur.hauteur;
-    EnDeux(h, [&](int debut, int fin) {
-        for (int y = debut; y < fin; ++y) {
-            const uint32_t* s = LigneTravail(y);
-            uint8_t* d = SurfaceEditeur.pixels + (size_t)(SurfaceEditeur.hauteur - 1 - y) * SurfaceEditeur.pas;
-            for (int x = 0; x < l; ++x, d += 3) {
-                const uint32_t w = s[x];
-                d[0] = (uint8_t)w;
-                d[1] = (uint8_t)(w >> 8);
-                d[2] = (uint8_t)(w >> 16);
-            }
-        }
-    });
+    Vide(true);
     // A list's grid went into the work picture with it.
     if (PlanActif >= 0 && PlanActif < NbPlans && Plans[PlanActif].typePlan == TYPE_CARTE)
         GrillePlan(&SurfaceEditeur, PlanActif);
@@ -520,7 +594,7 @@ void ComposeParUnites() {
 void ComposePlans() {
     const Cadre avant = CadreDessin;
     ChoisitCadre(0, 0, Vue.largeurVueZ, Vue.hauteurVueZ);
-    if (UnitesAlignees()) {
+    if (RouteParUnites && UnitesAlignees()) {
         ComposeParUnites();
     } else {
         RemplitRect(&SurfaceEditeur, 0, 0, Vue.largeurVueZ, Vue.hauteurVueZ,

@@ -40,3 +40,5 @@ extern int AlphaSelecteur;
 extern int TempsSurvol;
 // Threads of the unit route (1 or 2).
 extern int FilsComposition;
+// For tests and the benchmark: false draws every plane through the blitters.
+extern bool RouteParUnites;
