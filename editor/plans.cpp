@@ -209,6 +209,14 @@ int OuvrePlan(int element) {
     return resultat;
 }
 
+int AjouteFond(int element) {
+    if (NbPlans >= NB_PLANS_MAX) {
+        BoiteMessage("The background limit is reached!", "Error", BOITE_OK | ICONE_ARRET);
+        return -1;
+    }
+    return OuvrePlan(element);
+}
+
 // ---- Saving ---------------------------------------------------------------------------------
 
 namespace {

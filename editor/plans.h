@@ -101,6 +101,9 @@ int32_t InverseCellule(int32_t tuile, int plan);
 // Opens an element as a new plane (or into slot NbPlans). 0 opened; 1 the
 // file could not be loaded; 2 already open; 3 no slot left.
 int OuvrePlan(int element);
+// "Add a background..." (Ctrl+M) once the element is chosen: with 20 planes
+// open, the message and -1; else as OuvrePlan.
+int AjouteFond(int element);
 // Writes a plane to its file through the format of its extension, then runs
 // "onsave <name>". 1 written; 0 failed (the old file stays whole).
 int EnregistrePlan(int n);

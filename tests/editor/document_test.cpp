@@ -52,10 +52,13 @@ std::vector<uint32_t> Bloc(const std::vector<uint32_t>& c, int largeur, int x0, 
 using Document = EditeurEssai;
 
 TEST_F(Document, PeindreCopierAnnulerEnregistrerSurDeuxPlansLies) {
+    // The value painted carries what the cell width holds: a 4-bit map's
+    // bank and mirror bits, a 32-bit map's high half.
     const struct {
         const char* options;
         int octets;
-    } cas[] = {{"", 2}, {"mapmode=8", 1}, {"mapmode=32", 4}, {"+16c", 2}};
+        uint32_t valeur;
+    } cas[] = {{"", 2, 5}, {"mapmode=8", 1, 0xF5}, {"mapmode=32", 4, 0x12345}, {"+16c", 2, 0x2C05}};
     for (const auto& k : cas) {
         SCOPED_TRACE(k.options);
         FermePlans();
@@ -73,12 +76,12 @@ TEST_F(Document, PeindreCopierAnnulerEnregistrerSurDeuxPlansLies) {
         EXPECT_EQ(Plans[0].formatCellule, k.octets == 1 ? 0 : k.octets == 2 ? 1 : 2);
 
         // A value paints the active plane only; a left click without a drag is one cell.
-        ChoisitValeur(5);
+        ChoisitValeur(k.valeur);
         Vue.peintureActive = true;
         PeintSelection(0, 0, 15, 7, false);
         PeintSelection(8, 40, 8, 40, false);
         std::vector<uint32_t> A1 = A0;
-        A1[0] = A1[1] = A1[5 * 12 + 1] = 5;
+        A1[0] = A1[1] = A1[5 * 12 + 1] = k.valeur;
         EXPECT_EQ(Cellules(0), A1);
         EXPECT_EQ(Cellules(1), B0);
         EXPECT_EQ(std::string(TitreEditeur), "a* - Map editor");
@@ -114,9 +117,12 @@ TEST_F(Document, PeindreCopierAnnulerEnregistrerSurDeuxPlansLies) {
         EXPECT_EQ(Cellules(1), B2);
         EXPECT_FALSE(RetablirActif);
 
-        // Ctrl+S saves the linked planes; the files are the format's bytes
-        // for the cells, and read back the same.
+        // Ctrl+S saves the linked planes, each then running its hook; the
+        // files are the format's bytes for the cells, and read back the same.
+        EcritFichier("script.spt", "onsave b:\neditor.grid = 1\n");
+        ReglagesEdit.grille = 0;
         EnregistreLies();
+        EXPECT_EQ(ReglagesEdit.grille, 1);
         EXPECT_EQ(std::string(TitreEditeur), "a - Map editor");
         EXPECT_EQ(LitFichier("a.map.c"), CarteStandard(ecriteA, "a.map.c", A2, 12, k.octets));
         EXPECT_EQ(LitFichier("b.map.c"), CarteStandard(ecriteB, "b.map.c", B2, 10, k.octets));
@@ -206,16 +212,28 @@ TEST_F(Document, MauvaisesEntreesNOuvrentRienAMoitie) {
     sansTuiles.replace(sansTuiles.find("a.til.c"), 7, "z.til.c");
     EcritFichier("sans.map.c", sansTuiles);
     AjouteElement(NouvelElement(TYPE_CARTE, "sans", "sans.map.c"));
+    EcritFichier("abime.pal.c", "//x\r\nconst unsigned short z[3]={ zz");
+    std::string paletteAbimee = LitFichier("a.til.c");
+    paletteAbimee.replace(paletteAbimee.find("a.pal.c"), 7, "abime.pal.c");
+    EcritFichier("abime.til.c", paletteAbimee);
+    std::string sansPalette = texte;
+    sansPalette.replace(sansPalette.find("a.til.c"), 7, "abime.til.c");
+    EcritFichier("abimee.map.c", sansPalette);
+    AjouteElement(NouvelElement(TYPE_CARTE, "abimee", "abimee.map.c"));
     std::string enorme = texte;
     enorme.replace(enorme.find("[2][4]"), 6, "[5000][5000]");
     EcritFichier("enorme.map.c", enorme);
     AjouteElement(NouvelElement(TYPE_CARTE, "enorme", "enorme.map.c"));
     ASSERT_EQ(OuvreEditeur(a), 1);
     journal.messages.clear();
-    Execute("maps.add \"sans\"\nmaps.add \"enorme\"\nmaps.add \"inconnu\"\nmaps.add \"a\"\n");
+    Execute("maps.add \"sans\"\nmaps.add \"abimee\"\nmaps.add \"enorme\"\nmaps.add \"inconnu\"\nmaps.add \"a\"\n");
     EXPECT_EQ(NbPlans, 1);
-    EXPECT_EQ(journal.messages,
-              std::vector<std::string>{"[z.til.c] The specified tileset file doesn't exist"});
+    EXPECT_EQ(journal.messages, (std::vector<std::string>{
+                                    "[z.til.c] The specified tileset file doesn't exist",
+                                    "[Debuging] Attempts to recover from a fatal reading error...",
+                                    "[Debuging] Attempts to recover from a fatal reading error...",
+                                    "[Debuging] The file format doesn't match with the expected one.",
+                                }));
 
     // Twenty planes at most; a slot number still replaces.
     for (int i = 0; i < 20; ++i) {
@@ -226,6 +244,9 @@ TEST_F(Document, MauvaisesEntreesNOuvrentRienAMoitie) {
     for (int i = 0; i < 20; ++i) Execute("maps.add \"c" + std::to_string(i) + "\"\n");
     EXPECT_EQ(NbPlans, 20);
     EXPECT_EQ(std::string(PlanElement[19]->nom), "c18");
+    journal.messages.clear();
+    EXPECT_EQ(AjouteFond(TrouveElement(TYPE_CARTE, "c19")), -1);
+    EXPECT_EQ(journal.messages, std::vector<std::string>{"[Error] The background limit is reached!"});
     Execute("maps.add \"c19\", 3\n");
     EXPECT_EQ(NbPlans, 20);
     EXPECT_EQ(std::string(PlanElement[2]->nom), "c19");
