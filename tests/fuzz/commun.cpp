@@ -13,6 +13,7 @@
 #include "core/projet.h"
 #include "core/reglages.h"
 #include "editor/editeur.h"
+#include "editor/plans.h"
 #include "platform/fichiers.h"
 #include "format/ecriture.h"
 #include "format/formats.h"
@@ -110,6 +111,7 @@ void InstalleCrochetsFuzz() {
     InstalleFormats();
     CrochetsScript.conv = ConvLocale;
     CrochetsScript.reconstruitTablesCouleur = ConstruitTablesCouleur;
+    InstalleEditeur(); // the fonds rows, with no editor open
 }
 
 // libFuzzer reads its arguments after LLVMFuzzerInitialize, and the working
@@ -195,6 +197,7 @@ void ReinitialiseEtat(bool formats) {
     NbElements = 0;
     EditeurOuvert = false;
     ReinitialiseReglages();
+    ReinitialiseDocument();
     memcpy(TableRouge, TablesDefaut[0], 256);
     memcpy(TableVerte, TablesDefaut[1], 256);
     memcpy(TableBleue, TablesDefaut[2], 256);
