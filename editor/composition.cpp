@@ -489,6 +489,20 @@ template <class F> void EnDeux(int n, F f) {
     second.join();
 }
 
+// For each unit of one axis of the view: the plane's cell over it and the
+// unit inside the block, or -1 where the plane draws nothing.
+void Axe(std::vector<int>& cellule, std::vector<int>& unite, int unites, int decalage, int vues, int cote, int base) {
+    cellule.assign((size_t)unites, -1);
+    unite.assign((size_t)unites, -1);
+    for (int k = 0; k < unites; ++k) {
+        const int i = k * 8 / cote, dans = k * 8 - i * cote;
+        if (i < vues && decalage + i >= 0 && dans < base) {
+            cellule[(size_t)k] = decalage + i;
+            unite[(size_t)k] = dans / 8;
+        }
+    }
+}
+
 PlanUnites PrepareUnites(int plan, int alpha, int colonnes, int lignes) {
     const Plan& p = Plans[plan];
     uint8_t* palette = PalettePlan(plan);
@@ -513,24 +527,8 @@ PlanUnites PrepareUnites(int plan, int alpha, int colonnes, int lignes) {
     const int oy = DecalageCellules(DecalageY, p.vitesseY, p.tiley);
     const int nx = CellulesVues(p.sizex, ox, Vue.largeurVueZ, p.tilex);
     const int ny = CellulesVues(p.sizey, oy, Vue.hauteurVueZ, p.tiley);
-    u.colonneCellule.assign((size_t)colonnes, -1);
-    u.colonneUnite.assign((size_t)colonnes, -1);
-    for (int ux = 0; ux < colonnes; ++ux) {
-        const int i = ux * 8 / p.tilex, sx = ux * 8 - i * p.tilex;
-        if (i < nx && ox + i >= 0 && sx < p.baseX) {
-            u.colonneCellule[(size_t)ux] = ox + i;
-            u.colonneUnite[(size_t)ux] = sx / 8;
-        }
-    }
-    u.ligneCellule.assign((size_t)lignes, -1);
-    u.ligneUnite.assign((size_t)lignes, -1);
-    for (int uy = 0; uy < lignes; ++uy) {
-        const int j = uy * 8 / p.tiley, sy = uy * 8 - j * p.tiley;
-        if (j < ny && oy + j >= 0 && sy < p.baseY) {
-            u.ligneCellule[(size_t)uy] = oy + j;
-            u.ligneUnite[(size_t)uy] = sy / 8;
-        }
-    }
+    Axe(u.colonneCellule, u.colonneUnite, colonnes, ox, nx, p.tilex, p.baseX);
+    Axe(u.ligneCellule, u.ligneUnite, lignes, oy, ny, p.tiley, p.baseY);
     return u;
 }
 

@@ -123,8 +123,18 @@ void InstallePlan(int slot, int element, Plan& p, const char* notification) {
     AjouteNotificationSimple(notification, Elements[element].nom);
 }
 
-// The texts that the loads read, into the new plane.
-void TextesLus(Plan& p, int element) {
+// What the load left in the shared sizes and the texts it read, into the
+// new plane.
+void Lus(Plan& p, int element) {
+    p.sizex = sizex;
+    p.sizey = sizey;
+    p.tilex = tilex;
+    p.tiley = tiley;
+    p.nbTuiles = NbTuiles;
+    p.tilebase = tilebase;
+    p.gfxmask = (uint32_t)gfxmask;
+    p.tuiles4Bits = ReglagesConv.quatreBits;
+    p.modeDirect = ReglagesConv.quinzeBits;
     CopieBornee(p.file, Elements[element].fichier);
     CopieBornee(p.name, DerniereCarte.nom);
     CopieBornee(p.link, DerniereCarte.lien);
@@ -133,35 +143,31 @@ void TextesLus(Plan& p, int element) {
     for (int i = 0; i < 8; ++i) CopieBornee(p.textes[i], DerniereCarte.textes[i]);
 }
 
-int OuvrePlanListe(int element, int slot) {
+// Loads a map or a list into a new plane of slot; the shared sizes are put
+// back whatever happens. 0 opened; 1 the load failed.
+int Charge(int element, int slot) {
     const TaillesPartagees avant = TaillesPartagees::Sauve();
+    const bool liste = TypeDe(Elements[element]) == TYPE_LISTE;
     Plan p{};
     p.palette = (uint8_t*)calloc(768, 1);
-    ListeObjets liste;
-    if (!p.palette || !ChargeListe(p.palette, &p.tuiles, element, liste)) {
-        free(liste.objets);
+    ListeObjets objets;
+    const bool lu = p.palette && (liste ? ChargeListe(p.palette, &p.tuiles, element, objets)
+                                        : ChargeCarte(p.palette, &p.tuiles, &p.cellules, element));
+    if (lu) {
+        Lus(p, element);
+        p.typePlan = liste ? TYPE_LISTE : TYPE_CARTE;
+        p.formatCellule = liste ? CELLULE_16_BITS : DerniereCarte.formatCellule;
+        p.objets = objets.objets;
+        p.nbObjets = objets.nombre;
+        p.tailleObjet = liste ? objets.taille : TAILLE_OBJET_BASE_PLAN;
+        p.capaciteObjets = objets.capacite;
+    } else {
+        free(objets.objets);
         LiberePlan(p);
-        avant.Restaure();
-        return 1;
     }
-    p.typePlan = TYPE_LISTE;
-    p.sizex = sizex;
-    p.sizey = sizey;
-    p.tilex = tilex;
-    p.tiley = tiley;
-    p.nbTuiles = NbTuiles;
-    p.tilebase = tilebase;
-    p.gfxmask = (uint32_t)gfxmask;
-    p.formatCellule = CELLULE_16_BITS;
-    p.tuiles4Bits = ReglagesConv.quatreBits;
-    p.modeDirect = ReglagesConv.quinzeBits;
-    p.objets = liste.objets;
-    p.nbObjets = liste.nombre;
-    p.tailleObjet = liste.taille;
-    p.capaciteObjets = liste.capacite;
-    TextesLus(p, element);
     avant.Restaure();
-    InstallePlan(slot, element, p, "List opened: %s");
+    if (!lu) return 1;
+    InstallePlan(slot, element, p, liste ? "List opened: %s" : "Map opened: %s");
     return 0;
 }
 
@@ -172,36 +178,7 @@ int OuvrePlan(int element) {
     for (int i = 0; i < NB_PLANS_MAX; ++i)
         if (PlanElement[i] == &Elements[element]) return 2;
     if (NbPlans >= NB_PLANS_MAX) return 3;
-    const int slot = NbPlans;
-    int resultat;
-    if (TypeDe(Elements[element]) == TYPE_LISTE) {
-        resultat = OuvrePlanListe(element, slot);
-    } else {
-        const TaillesPartagees avant = TaillesPartagees::Sauve();
-        Plan p{};
-        p.palette = (uint8_t*)calloc(768, 1);
-        if (!p.palette || !ChargeCarte(p.palette, &p.tuiles, &p.cellules, element)) {
-            LiberePlan(p);
-            avant.Restaure();
-            return 1;
-        }
-        p.typePlan = TYPE_CARTE;
-        p.sizex = sizex;
-        p.sizey = sizey;
-        p.tilex = tilex;
-        p.tiley = tiley;
-        p.nbTuiles = NbTuiles;
-        p.tilebase = tilebase;
-        p.gfxmask = (uint32_t)gfxmask;
-        p.formatCellule = DerniereCarte.formatCellule;
-        p.tuiles4Bits = ReglagesConv.quatreBits;
-        p.modeDirect = ReglagesConv.quinzeBits;
-        p.tailleObjet = TAILLE_OBJET_BASE_PLAN;
-        TextesLus(p, element);
-        avant.Restaure();
-        InstallePlan(slot, element, p, "Map opened: %s");
-        resultat = 0;
-    }
+    const int resultat = Charge(element, NbPlans);
     if (resultat == 0) {
         ++NbPlans;
         MajTitre();
@@ -221,92 +198,74 @@ int AjouteFond(int element) {
 
 namespace {
 
-int EnregistrePlanListe(int n);
+constexpr const char* MESSAGE_ECRITURE = "Unable to open the file for writing.\nThe file name is probably erroneous.";
 
-} // namespace
-
-int EnregistrePlan(int n) {
-    if (n < 0 || n >= NbPlans) return 0;
-    Plan& p = Plans[n];
-    if (p.typePlan == TYPE_LISTE) return EnregistrePlanListe(n);
-    if (!p.cellules) return 0;
-    ChoisitFormatParExtension(p.file);
+// What a save changes around the format engine, and puts back.
+struct Sauvegarde {
     EcritureSure ecriture;
-    FILE* f = CommenceEcritureSure(ecriture, p.file);
-    if (!f) {
-        BoiteMessage("Unable to open the file for writing.\nThe file name is probably erroneous.", p.file,
-                     BOITE_OK | ICONE_ARRET);
-        return 0;
-    }
-    const TaillesPartagees avant = TaillesPartagees::Sauve();
+    TaillesPartagees avant;
     char textes[9][TAILLE_TEXTE_USER];
-    memcpy(textes, TextesUser, sizeof textes);
-    TaillesPartagees plan{p.baseX, p.baseY, p.sizex, p.sizey, p.nbTuiles, p.tilebase, (int)p.gfxmask};
+};
+
+// The plane's file opened through the format of its extension, the shared
+// sizes and the template variables set from the plane. Null after the
+// message.
+FILE* CommenceSauvegarde(const Plan& p, Sauvegarde& s) {
+    ChoisitFormatParExtension(p.file);
+    FILE* f = CommenceEcritureSure(s.ecriture, p.file);
+    if (!f) {
+        BoiteMessage(MESSAGE_ECRITURE, p.file, BOITE_OK | ICONE_ARRET);
+        return nullptr;
+    }
+    s.avant = TaillesPartagees::Sauve();
+    memcpy(s.textes, TextesUser, sizeof s.textes);
+    const TaillesPartagees plan{p.baseX, p.baseY, p.sizex, p.sizey, p.nbTuiles, p.tilebase, (int)p.gfxmask};
     plan.Restaure();
     RestaureVariables();
     ChargeTextesUser();
-    const int octets = p.formatCellule == CELLULE_8_BITS ? 1 : p.formatCellule == CELLULE_32_BITS ? 4 : 2;
     MetTexteVariable("file", p.file);
     MetTexteVariable("name", p.name);
     MetTexteVariable("link", p.link);
-    MetEntierVariable("memory", (int32_t)((int64_t)p.sizex * p.sizey * octets));
-    MetEntierVariable("depth", octets * 8);
-    MetTexteVariable("type", octets == 1   ? FormatCourant.type8
-                             : octets == 4 ? FormatCourant.type32
-                                           : FormatCourant.type16);
-    for (int i = 0; i < 8; ++i) CopieBornee(TextesUser[i + 1], p.textes[i]);
-    const SectionFormat& s = FormatCourant.sections[SECTION_MAP];
-    const char* element = octets == 1 ? s.element2 : octets == 4 ? s.element3 : s.element;
-    EcritGabarit(s.declaration, f);
-    EcritValeursLignes(f, s, element, p.cellules, p.sizex, p.sizey, true);
-    EcritGabarit(s.end, f);
+    return f;
+}
+
+// The file put in place whole, or the old one kept; then the hook, the
+// saved state and the notification.
+int TermineSauvegarde(int n, Sauvegarde& s, const char* notification) {
+    const Plan& p = Plans[n];
     RestaureVariables();
-    memcpy(TextesUser, textes, sizeof textes);
-    avant.Restaure();
-    if (!TermineEcritureSure(ecriture)) {
-        BoiteMessage("Unable to open the file for writing.\nThe file name is probably erroneous.", p.file,
-                     BOITE_OK | ICONE_ARRET);
+    memcpy(TextesUser, s.textes, sizeof s.textes);
+    s.avant.Restaure();
+    if (!TermineEcritureSure(s.ecriture)) {
+        BoiteMessage(MESSAGE_ECRITURE, p.file, BOITE_OK | ICONE_ARRET);
         return 0;
     }
     if (PlanElement[n]) EvenementSauvegarde(PlanElement[n]->nom);
     Piles[n].perdu = 0;
     Piles[n].enregistre = Piles[n].courant;
     MajTitre();
-    AjouteNotificationSimple("Map saved: %s", PlanElement[n] ? PlanElement[n]->nom : p.name);
+    AjouteNotificationSimple(notification, PlanElement[n] ? PlanElement[n]->nom : p.name);
     return 1;
 }
 
-namespace {
+void TextesPlan(const Plan& p) {
+    for (int i = 0; i < 8; ++i) CopieBornee(TextesUser[i + 1], p.textes[i]);
+}
 
 // A list plane goes through the list template, its objects sorted by x, then
 // y, in the file only: the order in memory stays.
 int EnregistrePlanListe(int n) {
-    Plan& p = Plans[n];
+    const Plan& p = Plans[n];
     if (!p.objets || p.tailleObjet < TAILLE_OBJET_BASE_PLAN) return 0;
-    ChoisitFormatParExtension(p.file);
-    EcritureSure ecriture;
-    FILE* f = CommenceEcritureSure(ecriture, p.file);
-    if (!f) {
-        BoiteMessage("Unable to open the file for writing.\nThe file name is probably erroneous.", p.file,
-                     BOITE_OK | ICONE_ARRET);
-        return 0;
-    }
-    const TaillesPartagees avant = TaillesPartagees::Sauve();
-    char textes[9][TAILLE_TEXTE_USER];
-    memcpy(textes, TextesUser, sizeof textes);
-    TaillesPartagees plan{p.baseX, p.baseY, p.sizex, p.sizey, p.nbTuiles, p.tilebase, (int)p.gfxmask};
-    plan.Restaure();
-    RestaureVariables();
-    ChargeTextesUser();
+    Sauvegarde sauvegarde;
+    FILE* f = CommenceSauvegarde(p, sauvegarde);
+    if (!f) return 0;
     const ModeleParametres& modele = p.modele ? *p.modele : TableModeles[0];
-    MetTexteVariable("file", p.file);
     MetEntierVariable("size", p.nbObjets);
     MetEntierVariable("memory", (int32_t)((int64_t)p.nbObjets * p.tailleObjet));
-    MetTexteVariable("name", p.name);
-    MetTexteVariable("link", p.link);
     MetTexteVariable("type", p.type);
     MetTexteVariable("model", modele.nom);
-    for (int i = 0; i < 8; ++i) CopieBornee(TextesUser[i + 1], p.textes[i]);
+    TextesPlan(p);
     const SectionFormat& s = FormatCourant.sections[SECTION_LIST];
     EcritGabarit(s.declaration, f);
     // Sorted by rising x, then y; of two at one place the later one first.
@@ -331,23 +290,34 @@ int EnregistrePlanListe(int n) {
         EcritGabarit(s.line, f);
     }
     EcritGabarit(s.end, f);
-    RestaureVariables();
-    memcpy(TextesUser, textes, sizeof textes);
-    avant.Restaure();
-    if (!TermineEcritureSure(ecriture)) {
-        BoiteMessage("Unable to open the file for writing.\nThe file name is probably erroneous.", p.file,
-                     BOITE_OK | ICONE_ARRET);
-        return 0;
-    }
-    if (PlanElement[n]) EvenementSauvegarde(PlanElement[n]->nom);
-    Piles[n].perdu = 0;
-    Piles[n].enregistre = Piles[n].courant;
-    MajTitre();
-    AjouteNotificationSimple("List saved: %s", PlanElement[n] ? PlanElement[n]->nom : p.name);
-    return 1;
+    return TermineSauvegarde(n, sauvegarde, "List saved: %s");
 }
 
 } // namespace
+
+int EnregistrePlan(int n) {
+    if (n < 0 || n >= NbPlans) return 0;
+    const Plan& p = Plans[n];
+    if (p.typePlan == TYPE_LISTE) return EnregistrePlanListe(n);
+    if (!p.cellules) return 0;
+    Sauvegarde sauvegarde;
+    FILE* f = CommenceSauvegarde(p, sauvegarde);
+    if (!f) return 0;
+    const int octets = p.formatCellule == CELLULE_8_BITS ? 1 : p.formatCellule == CELLULE_32_BITS ? 4 : 2;
+    MetEntierVariable("memory", (int32_t)((int64_t)p.sizex * p.sizey * octets));
+    MetEntierVariable("depth", octets * 8);
+    MetTexteVariable("type", octets == 1   ? FormatCourant.type8
+                             : octets == 4 ? FormatCourant.type32
+                                           : FormatCourant.type16);
+    TextesPlan(p);
+    // Cells row by row, the value's place counted from the row's start.
+    const SectionFormat& s = FormatCourant.sections[SECTION_MAP];
+    EcritGabarit(s.declaration, f);
+    EcritValeursLignes(f, s, octets == 1 ? s.element2 : octets == 4 ? s.element3 : s.element, p.cellules, p.sizex,
+                       p.sizey, true);
+    EcritGabarit(s.end, f);
+    return TermineSauvegarde(n, sauvegarde, "Map saved: %s");
+}
 
 void EnregistreLies() {
     if (PlanActif < 0 || PlanActif >= NbPlans) return;

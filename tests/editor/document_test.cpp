@@ -393,3 +393,36 @@ TEST_F(Document, TaillesDeTuilesEtTexteMemoire) {
 }
 
 } // namespace
+
+namespace {
+
+// A list opens as a plane with its objects, and saves them sorted by x,
+// then y, in the file only.
+TEST_F(Document, ListeOuverteEtEnregistreeTriee) {
+    const int a = Carte("a", 4, 2, 3);
+    EcritFichier("l.lst.c", "//l.lst.c\r\n//Converti avec Tessellarium par Zorvan\r\n//Liste (\"a.til.c\")\r\n"
+                            "//Taille: 8*8\r\n//M\xE9moire: 36 octets\r\n\r\n#include \"def.h\"\r\n\r\n"
+                            "const unsigned int l_liste_nbEle=3;\r\n\r\nconst SPRITE_LISTE l_liste[]=\t{"
+                            "\r\n\t{3,10,20},\r\n\t{1,5,6},\r\n\t{2,5,2},\r\n};\r\n");
+    AjouteElement(NouvelElement(TYPE_LISTE, "l", "l.lst.c"));
+    ASSERT_EQ(OuvreEditeur(a), 1);
+    Execute("maps.add \"l\"\n");
+    ASSERT_EQ(NbPlans, 2);
+    const Plan& l = Plans[1];
+    EXPECT_EQ(l.typePlan, TYPE_LISTE);
+    ASSERT_EQ(l.nbObjets, 3);
+    int32_t premier[3];
+    memcpy(premier, l.objets, 12);
+    EXPECT_EQ(std::vector<int32_t>(premier, premier + 3), (std::vector<int32_t>{10, 20, 3}));
+    ASSERT_EQ(EnregistrePlan(1), 1);
+    const std::string ecrite = LitFichier("l.lst.c");
+    const size_t a1 = ecrite.find("{1,5,6}"), a2 = ecrite.find("{2,5,2}"), a3 = ecrite.find("{3,10,20}");
+    ASSERT_NE(a3, std::string::npos);
+    EXPECT_LT(a2, a1);
+    EXPECT_LT(a1, a3);
+    memcpy(premier, l.objets, 12); // the order in memory stays
+    EXPECT_EQ(premier[2], 3);
+    EXPECT_EQ(journal.messages, std::vector<std::string>{});
+}
+
+} // namespace
