@@ -73,18 +73,6 @@ int MotifActif() {
 
 namespace {
 
-// The speeds a plane is painted with: its own when active, else relative to
-// the active plane's.
-void Vitesses(int plan, double& vx, double& vy) {
-    const Plan& p = Plans[plan];
-    vx = p.vitesseX;
-    vy = p.vitesseY;
-    if (plan == PlanActif || PlanActif < 0 || PlanActif >= NbPlans) return;
-    const Plan& a = Plans[PlanActif];
-    if (a.vitesseX != 0) vx /= a.vitesseX;
-    if (a.vitesseY != 0) vy /= a.vitesseY;
-}
-
 // A coordinate in view pixels to a cell, rounding down.
 int VersCellule(int v, int cote) {
     if (v < 0 && v % cote != 0) v -= cote;
@@ -96,14 +84,13 @@ int VersCellule(int v, int cote) {
 bool RectangleCellules(int plan, int x0, int y0, int x1, int y1, int c[4]) {
     if (plan < 0 || plan >= NbPlans) return false;
     const Plan& p = Plans[plan];
-    if (p.tilex <= 0 || p.tiley <= 0) return false;
-    double vx, vy;
-    Vitesses(plan, vx, vy);
-    const int ox = (int)(DecalageX * vx / p.tilex), oy = (int)(DecalageY * vy / p.tiley);
-    x0 = VersCellule(x0, p.tilex) + ox;
-    x1 = VersCellule(x1, p.tilex) + ox;
-    y0 = VersCellule(y0, p.tiley) + oy;
-    y1 = VersCellule(y1, p.tiley) + oy;
+    const PreparationPlan e = PreparePlan(plan);
+    if (e.tilex <= 0 || e.tiley <= 0) return false;
+    const int ox = (int)(DecalageX * e.vitesseX / e.tilex), oy = (int)(DecalageY * e.vitesseY / e.tiley);
+    x0 = VersCellule(x0, e.tilex) + ox;
+    x1 = VersCellule(x1, e.tilex) + ox;
+    y0 = VersCellule(y0, e.tiley) + oy;
+    y1 = VersCellule(y1, e.tiley) + oy;
     if (x0 > x1) std::swap(x0, x1);
     if (y0 > y1) std::swap(y0, y1);
     if (x1 < 0 || y1 < 0 || x0 >= p.sizex || y0 >= p.sizey) return false;

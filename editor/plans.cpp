@@ -72,6 +72,37 @@ void LiberePlan(Plan& p) {
 
 } // namespace
 
+// ---- Working state ------------------------------------------------------------------------
+
+void SauvePlan(Plan& p) {
+    p.sizex = sizex;
+    p.sizey = sizey;
+    p.tilex = tilex;
+    p.tiley = tiley;
+    p.nbTuiles = NbTuiles;
+    p.tilebase = tilebase;
+    p.gfxmask = (uint32_t)gfxmask;
+    p.tuiles4Bits = ReglagesConv.quatreBits;
+    p.modeDirect = ReglagesConv.quinzeBits;
+}
+
+void ChargePlan(const Plan& p) {
+    const TaillesPartagees t{p.baseX, p.baseY, p.sizex, p.sizey, p.nbTuiles, p.tilebase, (int)p.gfxmask};
+    t.Restaure();
+}
+
+PreparationPlan PreparePlan(int n) {
+    const Plan& p = Plans[n];
+    PreparationPlan e{p.tilex, p.tiley, p.grilleX, p.grilleY, p.vitesseX, p.vitesseY, MasqueCellule(p)};
+    if (n == PlanActif || PlanActif < 0 || PlanActif >= NbPlans) return e;
+    const Plan& a = Plans[PlanActif];
+    e.grilleX = p.tilex;
+    e.grilleY = p.tiley;
+    if (a.vitesseX != 0) e.vitesseX /= a.vitesseX;
+    if (a.vitesseY != 0) e.vitesseY /= a.vitesseY;
+    return e;
+}
+
 // ---- Conditions ------------------------------------------------------------------------
 
 int32_t ConvertitCellule(uint32_t valeur, int plan, uint32_t masque) {
@@ -123,18 +154,8 @@ void InstallePlan(int slot, int element, Plan& p, const char* notification) {
     AjouteNotificationSimple(notification, Elements[element].nom);
 }
 
-// What the load left in the shared sizes and the texts it read, into the
-// new plane.
+// The texts the load read, into the new plane.
 void Lus(Plan& p, int element) {
-    p.sizex = sizex;
-    p.sizey = sizey;
-    p.tilex = tilex;
-    p.tiley = tiley;
-    p.nbTuiles = NbTuiles;
-    p.tilebase = tilebase;
-    p.gfxmask = (uint32_t)gfxmask;
-    p.tuiles4Bits = ReglagesConv.quatreBits;
-    p.modeDirect = ReglagesConv.quinzeBits;
     CopieBornee(p.file, Elements[element].fichier);
     CopieBornee(p.name, DerniereCarte.nom);
     CopieBornee(p.link, DerniereCarte.lien);
@@ -154,6 +175,7 @@ int Charge(int element, int slot) {
     const bool lu = p.palette && (liste ? ChargeListe(p.palette, &p.tuiles, element, objets)
                                         : ChargeCarte(p.palette, &p.tuiles, &p.cellules, element));
     if (lu) {
+        SauvePlan(p);
         Lus(p, element);
         p.typePlan = liste ? TYPE_LISTE : TYPE_CARTE;
         p.formatCellule = liste ? CELLULE_16_BITS : DerniereCarte.formatCellule;
@@ -219,8 +241,7 @@ FILE* CommenceSauvegarde(const Plan& p, Sauvegarde& s) {
     }
     s.avant = TaillesPartagees::Sauve();
     memcpy(s.textes, TextesUser, sizeof s.textes);
-    const TaillesPartagees plan{p.baseX, p.baseY, p.sizex, p.sizey, p.nbTuiles, p.tilebase, (int)p.gfxmask};
-    plan.Restaure();
+    ChargePlan(p);
     RestaureVariables();
     ChargeTextesUser();
     MetTexteVariable("file", p.file);

@@ -89,6 +89,24 @@ extern int64_t LimiteMemoireAnnulation;
 extern char TitreEditeur[TAILLE_TEXTE_PLAN + 32];
 extern char TexteMemoire[32];
 
+// The working state of the plane being processed lives in the shared sizes
+// (tilex, sizex, NbTuiles, tilebase, gfxmask...), through which the loaders
+// and the template writer read a map. SauvePlan copies them into a record,
+// ChargePlan sets them from one (sizes in cells, the tile graphics' size).
+void SauvePlan(Plan& p);
+void ChargePlan(const Plan& p);
+
+// How a plane is worked on while another may be active: its cell size and
+// grid step, its speeds (relative to the active plane's when it is not the
+// active one), its cell mask.
+struct PreparationPlan {
+    int tilex, tiley;
+    int grilleX, grilleY;
+    double vitesseX, vitesseY;
+    uint32_t masque;
+};
+PreparationPlan PreparePlan(int n);
+
 // The plane's cell mask for the tile range: 1023 under emulgba, else all bits.
 inline uint32_t MasqueCellule(const Plan& p) { return p.emulgba > 0 ? 1023u : 0xFFFFFFFFu; }
 

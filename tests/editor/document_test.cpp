@@ -426,3 +426,33 @@ TEST_F(Document, ListeOuverteEtEnregistreeTriee) {
 }
 
 } // namespace
+
+namespace {
+
+// One view rectangle gives each linked plane the cells under it by that
+// plane's own cell size and its speed relative to the active plane's.
+TEST_F(Document, PlansDeTaillesEtVitessesDifferentes) {
+    Carte("g", 8, 8, 5, "tdim=16x16");
+    const int a = Carte("a", 24, 16, 3);
+    ASSERT_EQ(OuvreEditeur(a), 1);
+    Execute("maps.add \"g\"\nmaps.link 1, 2\nmaps[2].scrollrate 0.5, 0.5\n");
+    ASSERT_EQ(NbPlans, 2);
+    DecalageX = 64; // plane 1 is 8 cells along, plane 2 (speed 0.5, 16 pixels) 2 cells
+    const std::vector<uint32_t> g0 = Cellules(1), a0 = Cellules(0);
+    Vue.peintureActive = true;
+    // Plane 1: cells 8-9 x 0-1; plane 2: cell 2 x 0. The block's size is the
+    // last plane's copy: one cell.
+    CopieSelection(0, 0, 15, 15, false);
+    EXPECT_EQ(std::pair(Motif.largeurMotif, Motif.hauteurMotif), std::pair(1, 1));
+    EXPECT_EQ(std::pair(Motif.largeurMotifPx, Motif.hauteurMotifPx), std::pair(8, 8));
+    // Plane 1: cells 12-15 x 4-5; plane 2: cells 4-5 x 2.
+    PeintSelection(32, 32, 63, 47, false);
+    std::vector<uint32_t> g1 = g0, a1 = a0;
+    g1[2 * 8 + 4] = g1[2 * 8 + 5] = g0[2];
+    for (int y = 4; y <= 5; ++y)
+        for (int x = 12; x <= 15; ++x) a1[(size_t)y * 24 + x] = a0[8];
+    EXPECT_EQ(Cellules(1), g1);
+    EXPECT_EQ(Cellules(0), a1);
+}
+
+} // namespace
