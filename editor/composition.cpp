@@ -20,8 +20,7 @@
 #include <vector>
 
 #if defined(__SSE2__)
-#include <emmintrin.h>
-#include <tmmintrin.h>
+#include <immintrin.h>
 #endif
 
 Image SurfaceSelecteur;
@@ -29,6 +28,7 @@ int AlphaSelecteur = 75;
 int TempsSurvol = 0;
 int FilsComposition = 2;
 bool RouteParUnites = true;
+bool ComposeAvx2 = true;
 
 namespace {
 
@@ -337,7 +337,7 @@ uint32_t* LigneTravail(int ligne) { return (uint32_t*)(Travail.pixels + (size_t)
 
 // One unit over the work picture: pixels that are not transparent replace
 // (alpha 0) or blend into what is there.
-void PoseUnite(uint32_t* d, ptrdiff_t pas, const Unite& u, int alpha) {
+void PoseUniteSse2(uint32_t* d, ptrdiff_t pas, const Unite& u, int alpha) {
     if (alpha == 0 && u.plein && !u.miroirH) {
         for (int r = 0; r < 8; ++r, d -= pas) memcpy(d, u.pixels + (u.miroirV ? 7 - r : r) * 8, 32);
         return;
@@ -390,6 +390,39 @@ void PoseUnite(uint32_t* d, ptrdiff_t pas, const Unite& u, int alpha) {
     }
 }
 
+#if defined(__x86_64__)
+// The same, a row of eight pixels in one register, where the processor has AVX2.
+__attribute__((target("avx2"))) void PoseUniteAvx2(uint32_t* d, ptrdiff_t pas, const Unite& u, int alpha) {
+    if (alpha == 0 && u.plein && !u.miroirH) {
+        for (int r = 0; r < 8; ++r, d -= pas) memcpy(d, u.pixels + (u.miroirV ? 7 - r : r) * 8, 32);
+        return;
+    }
+    const __m256i inverse = _mm256_setr_epi32(7, 6, 5, 4, 3, 2, 1, 0), tous = _mm256_set1_epi32(-1);
+    const __m256i zero = _mm256_setzero_si256(), fa = _mm256_set1_epi16((short)alpha),
+                  fn = _mm256_set1_epi16((short)(255 - alpha));
+    for (int r = 0; r < 8; ++r, d -= pas) {
+        __m256i s = _mm256_loadu_si256((const __m256i*)(u.pixels + (u.miroirV ? 7 - r : r) * 8));
+        if (u.miroirH) s = _mm256_permutevar8x32_epi32(s, inverse);
+        const __m256i ici = _mm256_loadu_si256((const __m256i*)d);
+        const __m256i dessines = _mm256_cmpgt_epi32(s, tous);
+        if (alpha != 0) {
+            // Unpacking and packing stay within each half: the order comes back.
+            const __m256i sl = _mm256_unpacklo_epi8(s, zero), sh = _mm256_unpackhi_epi8(s, zero);
+            const __m256i dl = _mm256_unpacklo_epi8(ici, zero), dh = _mm256_unpackhi_epi8(ici, zero);
+            const __m256i rl =
+                _mm256_srli_epi16(_mm256_add_epi16(_mm256_mullo_epi16(sl, fa), _mm256_mullo_epi16(dl, fn)), 8);
+            const __m256i rh =
+                _mm256_srli_epi16(_mm256_add_epi16(_mm256_mullo_epi16(sh, fa), _mm256_mullo_epi16(dh, fn)), 8);
+            s = _mm256_packus_epi16(rl, rh);
+        }
+        _mm256_storeu_si256((__m256i*)d, _mm256_blendv_epi8(ici, s, dessines));
+    }
+}
+#endif
+
+using PoseurUnite = void (*)(uint32_t*, ptrdiff_t, const Unite&, int);
+PoseurUnite PoseUnite = PoseUniteSse2;
+
 // What a run of units does before and after its planes: the first run
 // fills the background, the last turns the rows into the 24-bit surface,
 // each row while it is still in the cache.
@@ -414,7 +447,7 @@ __attribute__((target("ssse3"))) int Convertit16(const uint32_t* s, uint8_t* d, 
     }
     return x;
 }
-const bool AvecSsse3 = __builtin_cpu_supports("ssse3");
+bool AvecSsse3 = false; // read at each frame, as the other processor features
 #endif
 
 // Rows of the work picture into SurfaceEditeur: four pixels a step, as
@@ -454,24 +487,40 @@ void ComposeUnites(const std::vector<PlanUnites>& plans, int debut, int fin, int
     bool opaque = true;
     for (const PlanUnites& p : plans) opaque &= p.alpha == 0;
     const ptrdiff_t pas = Travail.pas / 4;
-    std::vector<Unite> unites(plans.size());
+    const size_t n = plans.size();
+    // The units of the next unit of the view are found, and their lines
+    // asked for, while the current one is drawn: the units of a tileset lie
+    // all over the cache. From the top plane down, when nothing blends, the
+    // search stops at the first unit that covers the place whole.
+    std::vector<Unite> unites[2] = {std::vector<Unite>(n), std::vector<Unite>(n)};
+    size_t premiers[2] = {0, 0};
+    auto Cherche = [&](int ux, int uy, int t) {
+        size_t premier = 0;
+        for (size_t k = n; k-- > 0;) {
+            Unite& u = unites[t][k];
+            u = UniteDe(plans[k], ux, uy);
+            if (!u.pixels) continue;
+            for (int l = 0; l < 4; ++l) __builtin_prefetch(u.pixels + 16 * l);
+            if (opaque && u.plein) {
+                premier = k;
+                break;
+            }
+        }
+        premiers[t] = premier;
+    };
     for (int uy = debut; uy < fin; ++uy) {
         uint32_t* ligne = LigneTravail(uy * 8);
+        Cherche(0, uy, 0);
         for (int ux = 0; ux < colonnes; ++ux) {
-            size_t premier = 0;
-            for (size_t k = 0; k < plans.size(); ++k) {
-                unites[k] = UniteDe(plans[k], ux, uy);
-                if (!unites[k].pixels) continue;
-                if (opaque && unites[k].plein) premier = k;
-                // The units of a tileset lie all over the cache: ask for
-                // each one's four lines before the first is drawn.
-                for (int l = 0; l < 4; ++l) __builtin_prefetch(unites[k].pixels + 16 * l);
-            }
+            const int t = ux & 1;
+            if (ux + 1 < colonnes) Cherche(ux + 1, uy, t ^ 1);
+            const std::vector<Unite>& u = unites[t];
+            const size_t premier = premiers[t];
             // The background, unless a whole unit covers it.
-            if (b.remplit && !(opaque && !plans.empty() && unites[premier].pixels && unites[premier].plein))
+            if (b.remplit && !(opaque && n > 0 && u[premier].pixels && u[premier].plein))
                 for (int r = 0; r < 8; ++r) std::fill_n(ligne + ux * 8 - r * pas, 8, b.fond);
-            for (size_t k = premier; k < plans.size(); ++k)
-                if (unites[k].pixels) PoseUnite(ligne + ux * 8, pas, unites[k], plans[k].alpha);
+            for (size_t k = premier; k < n; ++k)
+                if (u[k].pixels) PoseUnite(ligne + ux * 8, pas, u[k], plans[k].alpha);
         }
         if (b.convertit) Convertit(uy * 8, uy * 8 + 8 < b.hauteur ? uy * 8 + 8 : b.hauteur, b.largeur);
     }
@@ -590,6 +639,11 @@ void ComposeParUnites() {
 // ---- The frame ---------------------------------------------------------------------------------------
 
 void ComposePlans() {
+#if defined(__x86_64__)
+    __builtin_cpu_init();
+    PoseUnite = ComposeAvx2 && __builtin_cpu_supports("avx2") ? PoseUniteAvx2 : PoseUniteSse2;
+    AvecSsse3 = ComposeAvx2 && __builtin_cpu_supports("ssse3");
+#endif
     const Cadre avant = CadreDessin;
     ChoisitCadre(0, 0, Vue.largeurVueZ, Vue.hauteurVueZ);
     if (RouteParUnites && UnitesAlignees()) {

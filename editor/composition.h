@@ -42,3 +42,5 @@ extern int TempsSurvol;
 extern int FilsComposition;
 // For tests and the benchmark: false draws every plane through the blitters.
 extern bool RouteParUnites;
+// For tests: false keeps to SSE2 where the processor has more.
+extern bool ComposeAvx2;

@@ -141,16 +141,19 @@ struct Composition : EditeurEssai {
     // Both routes against the reference, over the view's rectangle.
     void Compare(const std::string& cas) {
         const std::vector<uint32_t> attendu = Reference();
-        for (bool unites : {true, false}) {
-            RouteParUnites = unites;
+        for (int route = 0; route < 3; ++route) {
+            RouteParUnites = route < 2;
+            ComposeAvx2 = route == 0;
             memset(SurfaceEditeur.pixels, 0x5A, (size_t)SurfaceEditeur.pas * SurfaceEditeur.hauteur);
             ComposePlans();
             const std::vector<uint32_t> vu = Vue24(SurfaceEditeur, Vue.largeurVueZ, Vue.hauteurVueZ);
             size_t k = 0;
             while (k < vu.size() && vu[k] == attendu[k]) ++k;
-            EXPECT_EQ(k, vu.size()) << cas << (unites ? " (units)" : " (blitters)") << ": first difference at x "
+            const char* noms[] = {" (units, widest vectors)", " (units, SSE2)", " (blitters)"};
+            EXPECT_EQ(k, vu.size()) << cas << noms[route] << ": first difference at x "
                                     << k % (size_t)Vue.largeurVueZ << " y " << k / (size_t)Vue.largeurVueZ;
         }
+        ComposeAvx2 = true;
     }
 };
 
