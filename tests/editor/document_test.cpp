@@ -432,11 +432,12 @@ namespace {
 // One view rectangle gives each linked plane the cells under it by that
 // plane's own cell size and its speed relative to the active plane's.
 TEST_F(Document, PlansDeTaillesEtVitessesDifferentes) {
-    Carte("g", 8, 8, 5, "tdim=16x16");
+    Carte("g", 16, 16, 5, "tdim=16x16"); // 8 x 8 cells of 16 pixels
     const int a = Carte("a", 24, 16, 3);
     ASSERT_EQ(OuvreEditeur(a), 1);
     Execute("maps.add \"g\"\nmaps.link 1, 2\nmaps[2].scrollrate 0.5, 0.5\n");
     ASSERT_EQ(NbPlans, 2);
+    ASSERT_EQ(std::pair(Plans[1].sizex, Plans[1].sizey), std::pair(8, 8));
     DecalageX = 64; // plane 1 is 8 cells along, plane 2 (speed 0.5, 16 pixels) 2 cells
     const std::vector<uint32_t> g0 = Cellules(1), a0 = Cellules(0);
     Vue.peintureActive = true;
