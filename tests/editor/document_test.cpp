@@ -274,6 +274,30 @@ TEST_F(Document, UndoSansMemoireSeTaitEtLEtoileResteJusquALaSauvegarde) {
     EXPECT_EQ(std::string(TitreEditeur), "a - Map editor");
 }
 
+// Past the memory limit the stack forgets its oldest states: it keeps
+// three snapshots, and undo still reaches the oldest one kept; the saved
+// state is out of reach, so the star stays.
+TEST_F(Document, LimiteDeMemoireFaitUnAnneau) {
+    const int a = Carte("a", 8, 4, 3);
+    ASSERT_EQ(OuvreEditeur(a), 1);
+    const int64_t instantane = 8 * 4 * 4;
+    LimiteMemoireAnnulation = 3 * instantane;
+    Vue.peintureActive = true;
+    for (uint32_t v = 1; v <= 6; ++v) {
+        ChoisitValeur(v);
+        PeintSelection(0, 0, 0, 0, false);
+    }
+    EXPECT_EQ(Piles[0].courant, 2);
+    EXPECT_EQ(Piles[0].perdu, 1);
+    EXPECT_EQ(MemoireAnnulation, 3 * instantane);
+    AnnuleLies();
+    AnnuleLies();
+    EXPECT_EQ(Plans[0].cellules[0], 4u);
+    AnnuleLies(); // nothing older is left
+    EXPECT_EQ(Plans[0].cellules[0], 4u);
+    EXPECT_EQ(std::string(TitreEditeur), "a* - Map editor");
+}
+
 TEST_F(Document, SauvegardeRateeGardeLAncienFichierEtLaMarque) {
     const int a = Carte("a", 8, 4, 3);
     const std::string avant = LitFichier("a.map.c");
