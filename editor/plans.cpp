@@ -7,6 +7,7 @@
 
 #include "editor/composition.h"
 #include "editor/editeur.h"
+#include "editor/etat.h"
 #include "editor/edition.h"
 #include "editor/notifications.h"
 #include "format/ecriture.h"
@@ -593,6 +594,7 @@ int OuvreEditeur(int element) {
 
 int FermeEditeur() {
     bool demande[NB_PLANS_MAX] = {};
+    bool enregistre = false;
     const int actif = PlanActif;
     for (int i = 0; i < NbPlans; ++i) {
         if (demande[i] || !PlanModifie(i)) continue;
@@ -607,9 +609,11 @@ int FermeEditeur() {
         if (r == REPONSE_OUI) {
             PlanActif = i;
             EnregistreLies();
+            enregistre = true;
         }
         for (int k = 0; k < NB_PLANS_MAX && Liens[i][k] != FIN_LIENS; ++k) demande[Liens[i][k]] = true;
     }
+    if (enregistre || ReglagesSys.sauverParamsMapsAuto) EcritEtatEditeur();
     FermePlans();
     EditeurOuvert = false;
     return 1;
@@ -667,6 +671,20 @@ void FondsGrille(char* a) {
     Plans[n].grilleY = gy < 1 ? Plans[n].grilleX : gy;
 }
 
+// editor.move width, height[, x, y[, maximised]]: two numbers change the size only.
+void EditeurDeplace(char* a) {
+    int v[5] = {}, n = 0;
+    for (char* p = a; *p && n < 5; p = ArgumentSuivant(p)) v[n++] = LitNombre(p);
+    if (n < 2) return;
+    PositionEditeur.largeur = v[0];
+    PositionEditeur.hauteur = v[1];
+    if (n >= 4) {
+        PositionEditeur.x = v[2];
+        PositionEditeur.y = v[3];
+    }
+    PositionEditeur.maximisee = n >= 5 && v[4] != 0;
+}
+
 void FondsEmulGba(char* a) {
     const int n = PlanIndexe();
     if (n < 0 || n >= NbPlans) return;
@@ -683,4 +701,5 @@ void InstalleEditeur() {
     Fonctions.fondsCondition = FondsCondition;
     Fonctions.fondsGrille = FondsGrille;
     Fonctions.fondsEmulGba = FondsEmulGba;
+    Fonctions.editeurDeplace = EditeurDeplace;
 }
