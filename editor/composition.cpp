@@ -143,6 +143,10 @@ void DessineCarte(const uint8_t* palette, int decalageX, int decalageY, int alph
     const int ny = CellulesVues(p.sizey, oy, Vue.hauteurVueZ, p.tiley);
     const int modeAvant = ModeDirect;
     ModeDirect = p.modeDirect;
+    // The digits are placed by the shared cell size.
+    const TaillesPartagees tailles = TaillesPartagees::Sauve();
+    tilex = p.tilex;
+    tiley = p.tiley;
     for (int j = 0; j < ny; ++j) {
         if (oy + j < 0) continue;
         const uint32_t* ligne = p.cellules + (size_t)(oy + j) * p.sizex;
@@ -157,6 +161,7 @@ void DessineCarte(const uint8_t* palette, int decalageX, int decalageY, int alph
             if (TuileVisible(p, t)) DessineBloc(Cible, p, palette, i * p.tilex, j * p.tiley, t, alpha, false);
         }
     }
+    tailles.Restaure(TAILLES_TUILE);
     ModeDirect = modeAvant;
     if (plan == PlanActif) GrillePlan(Cible, plan);
 }
@@ -196,11 +201,12 @@ namespace {
 void ComposeParBlitters() {
     Cible = &SurfaceEditeur;
     const int hexa = ReglagesHexa.actif;
+    const int alphaAutres = AlphaAutres(); // alphahex in hex mode
     ReglagesHexa.actif = 0;
     for (int i = 0; i < NbPlans; ++i) {
         if (i == PlanActif || !ReglagesPlans.visible[i]) continue;
-        if (Plans[i].typePlan == TYPE_LISTE) DessineListe(PalettePlan(i), DecalageX, DecalageY, AlphaAutres(), i);
-        else DessineCarte(PalettePlan(i), DecalageX, DecalageY, AlphaAutres(), i);
+        if (Plans[i].typePlan == TYPE_LISTE) DessineListe(PalettePlan(i), DecalageX, DecalageY, alphaAutres, i);
+        else DessineCarte(PalettePlan(i), DecalageX, DecalageY, alphaAutres, i);
     }
     ReglagesHexa.actif = hexa;
     if (PlanActif < 0 || PlanActif >= NbPlans) return;
@@ -699,6 +705,9 @@ void DessineCurseurCarte(int x, int y, int64_t maintenant) {
     const bool bloc = MotifTenu() && s;
     const int modeAvant = ModeDirect;
     ModeDirect = p.modeDirect;
+    const TaillesPartagees tailles = TaillesPartagees::Sauve();
+    tilex = p.tilex;
+    tiley = p.tiley;
     auto Valeur = [&](int vx, int vy, uint32_t v) {
         if (ReglagesHexa.actif) {
             AfficheNombreBloc(vx * p.tilex, vy * p.tiley, v, (uint32_t)(255 - pulsation) | (uint32_t)pulsation << 16,
@@ -738,6 +747,7 @@ void DessineCurseurCarte(int x, int y, int64_t maintenant) {
                          (r[3] - r[1] + 1) * p.tiley, 0xFF0000, pulsation);
     }
     ModeDirect = modeAvant;
+    tailles.Restaure(TAILLES_TUILE);
 
     // The popup, once the cursor has rested on one cell long enough.
     const int64_t ecoule = DernierCurseur < 0 ? 0 : maintenant - DernierCurseur;

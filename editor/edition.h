@@ -102,3 +102,14 @@ void ReinitAnnulation(int plan);
 void ReinitLies();
 void MajBoutonsAnnulation();
 void LiberePile(int plan);
+
+// ---- Hex mode ------------------------------------------------------------------------------
+// The active map plane shown as numbers in cells of 16 x 16 pixels on white;
+// its tile graphics keep their size.
+void BasculeModeHexa();
+// The value box's text: its leading hexadecimal digits (upper or lower
+// case, at most 100 characters read), within the cell format's mask, as
+// the pattern. Gives the value.
+uint32_t TapeValeurHexa(const char* texte);
+// The box's text for the pattern: lower-case hexadecimal.
+void TexteValeurHexa(char* sortie, int taille);

@@ -95,28 +95,28 @@ int64_t PixelPlan(int n, int x, int y, const uint8_t* palette) {
     return (int64_t)c[2] << 16 | c[1] << 8 | c[0];
 }
 
-std::vector<uint32_t> Reference() {
+// One plane over the picture, pixel by pixel.
+void DessinePlan(std::vector<uint32_t>& image, int n, int alpha) {
     const int l = Vue.largeurVueZ, h = Vue.hauteurVueZ;
-    std::vector<uint32_t> image((size_t)l * h, (CouleurFond & 255) << 16 | (CouleurFond & 0xFF00) | CouleurFond >> 16);
-    std::vector<int> ordre;
+    uint8_t* palette = ReglagesPlans.proprePalette ? Plans[n].palette : Plans[PlanActif].palette;
+    palette[0] = (uint8_t)(CouleurFond >> 16);
+    palette[1] = (uint8_t)(CouleurFond >> 8);
+    palette[2] = (uint8_t)CouleurFond;
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < l; ++x) {
+            const int64_t c = PixelPlan(n, x, y, palette);
+            if (c < 0) continue;
+            uint32_t& d = image[(size_t)y * l + x];
+            d = alpha ? Melange((uint32_t)c, d, alpha) : (uint32_t)c;
+        }
+}
+
+std::vector<uint32_t> Reference() {
+    std::vector<uint32_t> image((size_t)Vue.largeurVueZ * Vue.hauteurVueZ,
+                                (CouleurFond & 255) << 16 | (CouleurFond & 0xFF00) | CouleurFond >> 16);
     for (int i = 0; i < NbPlans; ++i)
-        if (i != PlanActif && ReglagesPlans.visible[i]) ordre.push_back(i);
-    ordre.push_back(PlanActif);
-    for (int n : ordre) {
-        const int alpha = n == PlanActif ? (NbPlans >= 2 && ReglagesPlans.transparence ? ReglagesPlans.alphaPremierPlan : 0)
-                                         : (ReglagesPlans.transparence ? ReglagesPlans.alphaGfx : 0);
-        uint8_t* palette = ReglagesPlans.proprePalette ? Plans[n].palette : Plans[PlanActif].palette;
-        palette[0] = (uint8_t)(CouleurFond >> 16);
-        palette[1] = (uint8_t)(CouleurFond >> 8);
-        palette[2] = (uint8_t)CouleurFond;
-        for (int y = 0; y < h; ++y)
-            for (int x = 0; x < l; ++x) {
-                const int64_t c = PixelPlan(n, x, y, palette);
-                if (c < 0) continue;
-                uint32_t& d = image[(size_t)y * l + x];
-                d = alpha ? Melange((uint32_t)c, d, alpha) : (uint32_t)c;
-            }
-    }
+        if (i != PlanActif && ReglagesPlans.visible[i]) DessinePlan(image, i, ReglagesPlans.transparence ? ReglagesPlans.alphaGfx : 0);
+    DessinePlan(image, PlanActif, NbPlans >= 2 && ReglagesPlans.transparence ? ReglagesPlans.alphaPremierPlan : 0);
     return image;
 }
 
@@ -236,6 +236,90 @@ TEST_F(Composition, PlanListeEntreLesCartes) {
         }
     }
     ObjetCourant = -1;
+}
+
+// Hex mode: white ground, the other planes as graphics, the active plane's
+// graphics behind at the 16-pixel pitch when asked, then each cell's value
+// plus tilebase in 3 x 5 digits, each digit a box of white with the glyph
+// in black: the low digit at the cell's centre, the next 4 pixels left, the
+// third and fourth a row of 6 pixels higher.
+// The glyphs' shapes are the pixel layer's own (15 bits, top row first).
+const uint16_t Chiffres[16] = {0x2B6A, 0x1649, 0x62A7, 0x628E, 0x5BC9, 0x798E, 0x39AA, 0x7294,
+                               0x2AAA, 0x2ACE, 0x2BED, 0x6BAE, 0x3923, 0x6B6E, 0x79A7, 0x79A4};
+
+void ChiffresReference(std::vector<uint32_t>& image, int l, int h, int x, int y, uint32_t v, bool larges) {
+    int colonne = x + 8, ligne = y + 7;
+    for (int k = 0; k < (larges ? 4 : 2); ++k) {
+        for (int r = 0; r < 5; ++r)
+            for (int c = 0; c < 3; ++c) {
+                const int px = colonne + c, py = ligne + r;
+                if (px < 0 || py < 0 || px >= l || py >= h) continue;
+                const bool plein = Chiffres[v & 15] >> (14 - (r * 3 + c)) & 1;
+                image[(size_t)py * l + px] = plein ? 0 : 0xFFFFFF;
+            }
+        v >>= 4;
+        colonne -= 4;
+        if (k == 1) {
+            if (!ReglagesHexa.combleZeros && v == 0) break;
+            ligne -= 6;
+            colonne += 8;
+        }
+    }
+}
+
+TEST_F(Composition, ModeHexaContreLaReference) {
+    Vue.largeurVueZ = 150;
+    Vue.hauteurVueZ = 90;
+    NbPlans = 2;
+    Installe(0, {30, 20, 8, 20}, aleas);
+    Installe(1, {25, 15, 8, 20}, aleas);
+    const uint32_t valeurs[] = {0x7, 0x12, 0xAB, 0x1234, 0x12345, 0xFFFFFFFF};
+    for (int i = 0; i < 25 * 15; ++i) Plans[1].cellules[i] = valeurs[i % 6];
+    Plans[1].tilebase = 1;
+    PlanActif = 1;
+    BasculeModeHexa();
+    EXPECT_EQ(std::pair(Plans[1].tilex, Plans[1].baseX), std::pair(16, 8));
+    for (int format : {0, 1, 2})
+        for (int zeros : {0, 1})
+            for (int fond : {0, 1})
+                for (int transparence : {0, 1}) {
+                    Plans[1].formatCellule = format;
+                    ReglagesHexa.combleZeros = zeros;
+                    ReglagesHexa.fondActif = fond;
+                    ReglagesPlans.transparence = transparence;
+                    DecalageX = 40;
+                    std::vector<uint32_t> attendu(150 * 90, 0xFFFFFF);
+                    DessinePlan(attendu, 0, transparence ? ReglagesPlans.alphaHex : 0);
+                    if (fond) DessinePlan(attendu, 1, ReglagesPlans.alphaHex);
+                    const int ox = DecalageX / 16;
+                    for (int j = 0; j < 90 / 16 + 1; ++j)
+                        for (int i = 0; i < 150 / 16 + 1 && ox + i < 25; ++i)
+                            ChiffresReference(attendu, 150, 90, i * 16, j * 16, Plans[1].cellules[j * 25 + ox + i] + 1,
+                                              format > 0);
+                    ComposePlans();
+                    const std::vector<uint32_t> vu = Vue24(SurfaceEditeur, 150, 90);
+                    size_t k = 0;
+                    while (k < vu.size() && vu[k] == attendu[k]) ++k;
+                    EXPECT_EQ(k, vu.size()) << "format " << format << " zeros " << zeros << " graphics " << fond
+                                            << " blending " << transparence << ": first difference at x " << k % 150
+                                            << " y " << k / 150;
+                }
+    BasculeModeHexa();
+    EXPECT_EQ(std::pair(Plans[1].tilex, Plans[1].tiley), std::pair(8, 8));
+    // The value box: leading hexadecimal digits, within the cell format's mask.
+    const struct {
+        int format;
+        const char* texte;
+        uint32_t valeur;
+    } cas[] = {{0, "1FF", 0xFF}, {1, "12g4", 0x12}, {1, "", 0}, {1, "zz", 0}, {1, "abCD1", 0xBCD1}, {2, "123456789", 0x23456789}};
+    for (const auto& c : cas) {
+        Plans[1].formatCellule = c.format;
+        EXPECT_EQ(TapeValeurHexa(c.texte), c.valeur) << c.texte;
+        EXPECT_EQ(ValeurCourante, c.valeur);
+    }
+    char texte[16];
+    TexteValeurHexa(texte, sizeof texte);
+    EXPECT_STREQ(texte, "23456789");
 }
 
 TEST_F(Composition, GrilleDuPlanActifSeulement) {

@@ -339,11 +339,13 @@ TEST_F(Document, FermerDemandeUneFoisParGroupeDePlansLies) {
     EXPECT_EQ(NbPlans, 0);
     EXPECT_NE(LitFichier("b.map.c").find("0x"), std::string::npos);
 
+    // The save on the way wrote the state script: b comes back with a.
     ASSERT_EQ(OuvreEditeur(a), 1);
+    EXPECT_EQ(NbPlans, 2);
     PeintSelection(0, 0, 0, 0, false);
     journal.reponses = {REPONSE_ANNULER};
     EXPECT_EQ(FermeEditeur(), 0);
-    EXPECT_EQ(NbPlans, 1);
+    EXPECT_EQ(NbPlans, 2);
 }
 
 TEST_F(Document, ScriptDEtatEtEvenementOuvrentEtReglent) {
