@@ -3,6 +3,7 @@
 // Sections: state; rectangles; copy; paint; pattern and grid; undo.
 #include "editor/edition.h"
 
+#include "editor/liste.h"
 #include "editor/notifications.h"
 #include "platform/plateforme.h"
 
@@ -101,10 +102,17 @@ bool RectangleCellules(int plan, int x0, int y0, int x1, int y1, int c[4]) {
     return true;
 }
 
+// The pairs of a rectangle ordered.
+static void Ordonne(int r[4]) {
+    if (r[0] > r[2]) std::swap(r[0], r[2]);
+    if (r[1] > r[3]) std::swap(r[1], r[3]);
+}
+
 // ---- Copy ---------------------------------------------------------------------------------------
 
 int CopieBloc(int plan, int emplacement, int x0, int y0, int x1, int y1) {
-    if (plan < 0 || plan >= NbPlans || Plans[plan].typePlan != TYPE_CARTE) return 0;
+    if (plan < 0 || plan >= NbPlans) return 0;
+    if (Plans[plan].typePlan == TYPE_LISTE) return CopieObjets(plan, emplacement, x0, y0, x1, y1);
     uint32_t* cible = EmplacementMotif(emplacement);
     int c[4];
     if (!cible || !RectangleCellules(plan, x0, y0, x1, y1, c)) return 0;
@@ -135,12 +143,17 @@ void CopieSelection(int x0, int y0, int x1, int y1, bool seulActif) {
         const uint8_t* liens = Liens[PlanActif];
         for (int i = 0; i < 5 && i < NB_PLANS_MAX && liens[i] != FIN_LIENS; ++i) {
             ++Motif.nbPlansMotif;
-            Motif.planPresent[i] = (uint8_t)CopieBloc(liens[i], i, x0, y0, x1, y1);
+            int r[4] = {x0, y0, x1, y1};
+            if (Plans[PlanActif].typePlan == TYPE_CARTE && Plans[liens[i]].typePlan == TYPE_LISTE) Ordonne(r);
+            Motif.planPresent[i] = (uint8_t)CopieBloc(liens[i], i, r[0], r[1], r[2], r[3]);
         }
     }
+    // A list's copy gives the block's size in pixels itself.
     const Plan& a = Plans[PlanActif];
-    Motif.largeurMotifPx = a.tilex * Motif.largeurMotif;
-    Motif.hauteurMotifPx = a.tiley * Motif.hauteurMotif;
+    if (Motif.largeurMotifPx == 0 || Motif.hauteurMotifPx == 0) {
+        Motif.largeurMotifPx = a.tilex * Motif.largeurMotif;
+        Motif.hauteurMotifPx = a.tiley * Motif.hauteurMotif;
+    }
     if (Motif.largeurMotifPx == 0 || Motif.hauteurMotifPx == 0)
         Motif.largeurMotif = Motif.hauteurMotif = Motif.largeurMotifPx = Motif.hauteurMotifPx = 0;
     Motif.planSource = PlanActif;
@@ -149,7 +162,9 @@ void CopieSelection(int x0, int y0, int x1, int y1, bool seulActif) {
 // ---- Paint ---------------------------------------------------------------------------------------
 
 void PeintBloc(int plan, int emplacement, int x0, int y0, int x1, int y1) {
-    if (plan < 0 || plan >= NbPlans || Plans[plan].typePlan != TYPE_CARTE || !Vue.peintureActive) return;
+    if (plan < 0 || plan >= NbPlans) return;
+    if (Plans[plan].typePlan == TYPE_LISTE) return PeintObjets(plan, emplacement, x0, y0, x1, y1);
+    if (!Vue.peintureActive) return;
     int c[4];
     if (!RectangleCellules(plan, x0, y0, x1, y1, c)) return;
     Plan& p = Plans[plan];
@@ -179,9 +194,20 @@ void PeintSelection(int x0, int y0, int x1, int y1, bool seulActif) {
         return;
     }
     const uint8_t* liens = Liens[PlanActif];
+    const Plan& a = Plans[PlanActif];
     for (int i = 0; i < 5 && i < Motif.nbPlansMotif && liens[i] != FIN_LIENS; ++i) {
         const int p = liens[i];
-        if ((!seulActif || p == PlanActif) && Motif.planPresent[i]) PeintBloc(p, i, x0, y0, x1, y1);
+        int r[4] = {x0, y0, x1, y1};
+        if (a.typePlan == TYPE_CARTE && Plans[p].typePlan == TYPE_LISTE && a.tilex > 0 && a.tiley > 0) {
+            // The objects' rectangle covers the same whole cells of the active plane.
+            Ordonne(r);
+            auto Bas = [](int v, int c) { return (v < 0 && v % c ? v / c - 1 : v / c) * c; };
+            r[0] = Bas(r[0], a.tilex);
+            r[1] = Bas(r[1], a.tiley);
+            r[2] = Bas(r[2], a.tilex) + a.tilex;
+            r[3] = Bas(r[3], a.tiley) + a.tiley;
+        }
+        if ((!seulActif || p == PlanActif) && Motif.planPresent[i]) PeintBloc(p, i, r[0], r[1], r[2], r[3]);
     }
     EmpileLies();
 }

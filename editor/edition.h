@@ -20,6 +20,7 @@ struct VueEditeur {
     int selecteurX = 0, selecteurY = 0;       // pointer in the picker
     bool sourisDansSelecteur = false;
     int departX = 0, departY = 0;             // plane position where a drag began
+    bool capturee = false;                    // the mouse is held by a drag
     bool peintureActive = false;              // a left-button paint drag is open
     bool copieActive = false;                 // a right-button copy drag is open
     int objetTire = 0;                        // dragged object + 1

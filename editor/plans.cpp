@@ -8,6 +8,7 @@
 #include "editor/composition.h"
 #include "editor/editeur.h"
 #include "editor/etat.h"
+#include "editor/liste.h"
 #include "editor/edition.h"
 #include "editor/notifications.h"
 #include "format/ecriture.h"
@@ -615,6 +616,7 @@ int FermeEditeur() {
     }
     if (enregistre || ReglagesSys.sauverParamsMapsAuto) EcritEtatEditeur();
     FermePlans();
+    LibereMotifObjets();
     EditeurOuvert = false;
     return 1;
 }
