@@ -6,6 +6,7 @@
 #include "editor/composition.h"
 
 #include "editor/edition.h"
+#include "editor/liste.h"
 #include "editor/notifications.h"
 #include "editor/plans.h"
 #include "platform/plateforme.h"
@@ -670,8 +671,10 @@ void ComposeVue() {
     ComposePlans();
     const Cadre avant = CadreDessin;
     ChoisitCadre(0, 0, Vue.largeurVueZ, Vue.hauteurVueZ);
-    if (PlanActif >= 0 && PlanActif < NbPlans && Plans[PlanActif].typePlan == TYPE_CARTE)
-        DessineCurseurCarte(Vue.curseurX, Vue.curseurY, maintenant);
+    if (PlanActif >= 0 && PlanActif < NbPlans) {
+        if (Plans[PlanActif].typePlan == TYPE_CARTE) DessineCurseurCarte(Vue.curseurX, Vue.curseurY, maintenant);
+        else DessineCurseurListe(Vue.curseurX, Vue.curseurY, maintenant);
+    }
     DessineNotifications(ecoule, Vue.hauteurVueZ);
     CadreDessin = avant;
 }
@@ -774,6 +777,67 @@ void DessineCurseurCarte(int x, int y, int64_t maintenant) {
         FormateBorne(seconde, sizeof seconde, "Pattern: %ix%i", Motif.largeurMotif, Motif.hauteurMotif);
     }
     Popup(x, y, premiere, seconde);
+}
+
+void DessineCurseurListe(int x, int y, int64_t maintenant) {
+    if (PlanActif < 0 || PlanActif >= NbPlans) return;
+    const Plan& p = Plans[PlanActif];
+    if (x < 0 || y < 0 || x >= Vue.largeurVueZ || y >= Vue.hauteurVueZ || p.grilleX <= 0 || p.grilleY <= 0) return;
+    auto Bas = [](int v, int g) { return v & ~(g - 1); };
+    auto Haut = [](int v, int g) { return (v + g - 1) & ~(g - 1); };
+    if (Vue.magnetisme) {
+        x = Bas(x, p.grilleX);
+        y = Bas(y, p.grilleY);
+    }
+    const int pulsation = Pulsation(maintenant);
+    const uint8_t* palette = PalettePlan(PlanActif);
+    const int modeAvant = ModeDirect;
+    ModeDirect = p.modeDirect;
+    auto Bloc = [&](int bx, int by, int32_t t) {
+        if (t >= 0 && t < p.nbTuiles) DessineBloc(&SurfaceEditeur, p, palette, bx, by, t, pulsation, true);
+    };
+    // The drag's rectangle in view pixels, ordered, on the grid with the magnet.
+    int r[4] = {VersVueX(Vue.departX), VersVueY(Vue.departY), x, y};
+    if (r[0] > r[2]) std::swap(r[0], r[2]);
+    if (r[1] > r[3]) std::swap(r[1], r[3]);
+    if (Vue.magnetisme) {
+        r[0] = Bas(r[0], p.grilleX);
+        r[1] = Bas(r[1], p.grilleY);
+        r[2] = Haut(r[2], p.grilleX);
+        r[3] = Haut(r[3], p.grilleY);
+    }
+    if (Vue.objetTire > 0 && Vue.objetTire - 1 < p.nbObjets && p.objets) {
+        int32_t type;
+        memcpy(&type, p.objets + (size_t)(Vue.objetTire - 1) * (size_t)p.tailleObjet + 8, 4);
+        Bloc(x, y, type);
+        AfficheCadreAlpha(&SurfaceEditeur, x - 1, y, p.tilex + 2, p.tiley + 2, 0xFF0000, 0x80);
+        RemplitRectAlpha(&SurfaceEditeur, x, y, p.tilex, p.tiley, 0xFFu | (uint32_t)pulsation << 8, 0x80);
+    } else if (Vue.copieActive) {
+        RemplitRectAlpha(&SurfaceEditeur, r[0], r[1], r[2] - r[0] + 1, r[3] - r[1] + 1, 0xFF0000, pulsation);
+    } else if (Vue.peintureActive && !MotifTenu()) {
+        Bloc(x, y, p.tilebase + (int32_t)ValeurCourante);
+    } else if (Vue.peintureActive) {
+        const int l = r[2] - r[0], h = r[3] - r[1];
+        AfficheCadreAlpha(&SurfaceEditeur, r[0] - 1, r[1], l + 2, h + 2, 0x800000, pulsation);
+        RemplitRectAlpha(&SurfaceEditeur, r[0], r[1], l, h, 0xFFC080, pulsation);
+        const EmplacementObjets& e = MotifObjets[MotifActif() < 5 ? MotifActif() : 0];
+        // The block's objects, repeated; the first out of the tileset ends the drawing.
+        auto Objets = [&] {
+            if (Motif.largeurMotifPx <= 0 || Motif.hauteurMotifPx <= 0 || !e.objets) return;
+            for (int by = 0; by < h; by += Motif.hauteurMotifPx)
+                for (int bx = 0; bx < l; bx += Motif.largeurMotifPx)
+                    for (int k = 0; k < e.nombre; ++k) {
+                        int32_t o[3];
+                        memcpy(o, e.objets + (size_t)k * (size_t)e.taille, 12);
+                        if (o[2] < 0 || o[2] >= p.nbTuiles) return;
+                        if (o[0] < l && o[1] < h) Bloc(r[0] + bx + o[0], r[1] + by + o[1], o[2]);
+                    }
+        };
+        Objets();
+    } else if (ValeurCourante > 0) {
+        Bloc(x, y, p.tilebase + (int32_t)ValeurCourante);
+    }
+    ModeDirect = modeAvant;
 }
 
 // ---- The picker ------------------------------------------------------------------------------------

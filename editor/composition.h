@@ -34,6 +34,7 @@ void DessineSelecteur(int64_t maintenant);
 void DessineCarte(const uint8_t* palette, int decalageX, int decalageY, int alpha, int plan);
 void DessineListe(const uint8_t* palette, int decalageX, int decalageY, int alpha, int plan);
 void DessineCurseurCarte(int x, int y, int64_t maintenant);
+void DessineCurseurListe(int x, int y, int64_t maintenant);
 
 // The picker's brightness and how long the cursor has rested on its cell.
 extern int AlphaSelecteur;

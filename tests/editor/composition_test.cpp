@@ -102,6 +102,32 @@ void DessinePlan(std::vector<uint32_t>& image, int n, int alpha) {
     palette[0] = (uint8_t)(CouleurFond >> 16);
     palette[1] = (uint8_t)(CouleurFond >> 8);
     palette[2] = (uint8_t)CouleurFond;
+    const Plan& p = Plans[n];
+    if (p.typePlan == TYPE_LISTE) {
+        // Objects in order, each block at its position less the plane's
+        // offset in whole grid steps; no tilebase.
+        const int ox = (int)(DecalageX * p.vitesseX / p.grilleX) * p.grilleX;
+        const int oy = (int)(DecalageY * p.vitesseY / p.grilleY) * p.grilleY;
+        for (int k = 0; k < p.nbObjets; ++k) {
+            int32_t o[3];
+            memcpy(o, p.objets + (size_t)k * p.tailleObjet, 12);
+            const int32_t t = ConvertitCellule((uint32_t)o[2], n, p.gfxmask);
+            if (t < 0 || t >= p.nbTuiles) continue;
+            for (int py = 0; py < p.baseY; ++py)
+                for (int px = 0; px < p.baseX; ++px) {
+                    const int x = o[0] - ox + px, y = o[1] - oy + py;
+                    if (x < 0 || y < 0 || x >= l || y >= h) continue;
+                    const uint32_t w = p.tuiles[(size_t)t * p.baseX * p.baseY +
+                                                (size_t)((py / 8) * (p.baseX / 8) + px / 8) * 64 + (py % 8) * 8 + px % 8];
+                    if (w == 0) continue;
+                    const uint8_t* c = palette + (w & 255) * 3;
+                    const uint32_t couleur = (uint32_t)c[2] << 16 | (uint32_t)c[1] << 8 | c[0];
+                    uint32_t& d = image[(size_t)y * l + x];
+                    d = alpha ? Melange(couleur, d, alpha) : couleur;
+                }
+        }
+        return;
+    }
     for (int y = 0; y < h; ++y)
         for (int x = 0; x < l; ++x) {
             const int64_t c = PixelPlan(n, x, y, palette);
@@ -220,22 +246,36 @@ TEST_F(Composition, PlanListeEntreLesCartes) {
         const int32_t o[3] = {(int32_t)(aleas() % 160) - 10, (int32_t)(aleas() % 100) - 10, (int32_t)(aleas() % 24)};
         memcpy(liste.objets + i * 12, o, 12);
     }
-    ObjetCourant = 3;
+    liste.grilleX = liste.grilleY = 8;
     for (int transparence : {0, 1}) {
         ReglagesPlans.transparence = transparence;
         for (int actif : {1, 2}) {
             PlanActif = actif;
             DecalageX = 13;
-            std::vector<uint32_t> vues[2];
-            for (bool unites : {true, false}) {
-                RouteParUnites = unites;
-                ComposePlans();
-                vues[unites] = Vue24(SurfaceEditeur, Vue.largeurVueZ, Vue.hauteurVueZ);
-            }
-            EXPECT_EQ(vues[0], vues[1]) << "active " << actif << " blending " << transparence;
+            Compare("active " + std::to_string(actif) + " blending " + std::to_string(transparence));
         }
     }
+    // The current object's frame and fill, red with green pulsing, by either route.
+    ObjetCourant = 3;
+    PlanActif = 2;
+    ReglagesPlans.transparence = 0;
+    std::vector<uint32_t> vues[2];
+    for (bool unites : {true, false}) {
+        RouteParUnites = unites;
+        ComposePlans();
+        vues[unites] = Vue24(SurfaceEditeur, Vue.largeurVueZ, Vue.hauteurVueZ);
+    }
+    EXPECT_EQ(vues[0], vues[1]);
+    RouteParUnites = true;
     ObjetCourant = -1;
+    const std::vector<uint32_t> sans = (ComposePlans(), Vue24(SurfaceEditeur, Vue.largeurVueZ, Vue.hauteurVueZ));
+    int32_t o[3];
+    memcpy(o, liste.objets + 3 * 12, 12);
+    const int x = o[0] - 8, y = o[1]; // DecalageX 13 is one grid step of 8
+    if (x >= 0 && y >= 0 && x < Vue.largeurVueZ && y < Vue.hauteurVueZ) {
+        const size_t k = (size_t)y * Vue.largeurVueZ + x;
+        EXPECT_EQ(vues[1][k], Melange(0xFF0000u | (uint32_t)Pulsation(HorlogeEssai) << 8, sans[k], 0x80));
+    }
 }
 
 // Hex mode: white ground, the other planes as graphics, the active plane's

@@ -109,6 +109,29 @@ TEST_F(Liste, PlacerTirerCopierPeindreAnnulerEnregistrer) {
     attendu.erase(attendu.begin() + 4);
     EXPECT_EQ(Objets(1), attendu);
 
+    // The cursor over a list: a copy drag fills its rectangle in blue at the
+    // pulse's alpha, on the grid.
+    ComposeVue();
+    auto Pixel = [](int x, int y) {
+        const uint8_t* q = SurfaceEditeur.pixels + (size_t)(SurfaceEditeur.hauteur - 1 - y) * SurfaceEditeur.pas + 3 * x;
+        return (uint32_t)q[2] << 16 | (uint32_t)q[1] << 8 | q[0];
+    };
+    const uint32_t avant = Pixel(70, 70);
+    Vue.copieActive = true;
+    Vue.departX = 66;
+    Vue.departY = 66;
+    Vue.curseurX = 90;
+    Vue.curseurY = 90;
+    ComposeVue();
+    const uint32_t bleu = 0x0000FF;
+    auto Melange = [](uint32_t s, uint32_t d, int a) {
+        uint32_t r = 0;
+        for (int c = 0; c < 24; c += 8) r |= (((s >> c & 255) * (uint32_t)a + (d >> c & 255) * (uint32_t)(255 - a)) >> 8) << c;
+        return r;
+    };
+    EXPECT_EQ(Pixel(70, 70), Melange(bleu, avant, Pulsation(HorlogeEssai)));
+    Vue.copieActive = false;
+
     // Saved sorted by x then y; the order in memory stays; read back the same.
     ASSERT_EQ(EnregistrePlan(1), 1);
     EXPECT_EQ(Objets(1), attendu);
