@@ -7,7 +7,7 @@ set -euo pipefail
 cd "$(dirname "$0")"
 mode=${1:-example}
 
-paquets=(g++ cmake make libgtest-dev libbenchmark-dev libpng-dev libjpeg-dev libgif-dev libtiff-dev)
+paquets=(g++ cmake make libgtest-dev libbenchmark-dev libpng-dev libjpeg-dev libgif-dev libtiff-dev qt6-base-dev)
 # The fuzz targets' regression run needs clang's libFuzzer.
 [ "$mode" = test ] && paquets+=(clang-14 libclang-rt-14-dev libfuzzer-14-dev)
 manque=()
@@ -25,6 +25,7 @@ jobs=$(nproc)
 case "$mode" in
   example)
     cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+    # The program and its desktop module (Qt), which batch runs never load.
     cmake --build build -j"$jobs" --target tessellarium
     # The example is copied so that the run never touches the tracked files.
     rm -rf build/exemple
@@ -36,6 +37,13 @@ case "$mode" in
     ls -l -- *.c
     echo "--- build/exemple/projet.tsl, with the new elements (shown as UTF-8):"
     iconv -f LATIN1 -t UTF-8 projet.tsl 2>/dev/null || cat projet.tsl
+    if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+      echo "--- opening the example project in the desktop program (close the window to end)"
+      ../tessellarium projet.tsl
+    else
+      echo "--- no display here: the desktop program is built; on a desktop, open a project with"
+      echo "    build/tessellarium path/to/projet.tsl"
+    fi
     ;;
   test)
     cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTESS_TESTS=ON -DTESS_BENCH=ON -DTESS_WERROR=ON

@@ -137,69 +137,58 @@ void TitreAttenteQt(int visible) {
 
 // ---- The strip and the pane --------------------------------------------------------------------
 
-// The title strip: its picture with TitreCourant over it.
-class BandeauTitre : public QWidget {
-public:
-    explicit BandeauTitre(QWidget* parent) : QWidget(parent) { setFixedSize(BANDEAU_L, BANDEAU_H); }
-    ~BandeauTitre() override {
-        LibereImage(fond);
-        LibereImage(avecTitre);
-    }
-    // The strip as shown: 24-bit, the title drawn into it.
-    const Image& Picture() {
-        DessineBandeau(fond);
-        if (avecTitre.largeur != BANDEAU_L) CreeImage(avecTitre, BANDEAU_L, BANDEAU_H, 24);
-        if (fond.pixels && avecTitre.pixels) memcpy(avecTitre.pixels, fond.pixels, (size_t)fond.pas * fond.hauteur);
-        DessineTexte(avecTitre, DebutTitre(LargeurTexte(TitreCourant)), 1, TitreCourant, 0xFFFFFF);
-        return avecTitre;
-    }
+BandeauTitre::BandeauTitre(QWidget* parent) : QWidget(parent) { setFixedSize(BANDEAU_L, BANDEAU_H); }
 
-protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter p(this);
-        p.drawImage(0, 0, ImageDeSurface(Picture(), 0, 0, BANDEAU_L, BANDEAU_H, BANDEAU_L, BANDEAU_H));
-    }
+BandeauTitre::~BandeauTitre() {
+    LibereImage(fond);
+    LibereImage(avecTitre);
+}
 
-private:
-    Image fond, avecTitre;
-};
+const Image& BandeauTitre::Picture() {
+    DessineBandeau(fond);
+    if (avecTitre.largeur != BANDEAU_L) CreeImage(avecTitre, BANDEAU_L, BANDEAU_H, 24);
+    if (fond.pixels && avecTitre.pixels) memcpy(avecTitre.pixels, fond.pixels, (size_t)fond.pas * fond.hauteur);
+    DessineTexte(avecTitre, DebutTitre(LargeurTexte(TitreCourant)), 1, TitreCourant, 0xFFFFFF);
+    return avecTitre;
+}
 
-// The pane: SurfaceApercu's part at the scroll position, or the palette's
-// 16 x 16 pixels stretched to the whole pane.
-class VoletApercu : public QWidget {
-public:
-    explicit VoletApercu(FenetrePrincipaleQt* f) : QWidget(f->centralWidget()), fenetre(f) {
-        setFixedSize(VOLET_COTE, VOLET_COTE);
-        setMouseTracking(true);
-    }
-    QImage Picture() const {
-        const int kind = TypeApercu;
-        if (kind == APERCU_PALETTE) return ImageDeSurface(SurfaceApercu, 0, 0, 16, 16, VOLET_COTE, VOLET_COTE);
-        if (kind != APERCU_BITMAP8 && kind != APERCU_BITMAP16 && kind != APERCU_CARTE && kind != APERCU_MOSAIQUE) {
-            QImage vide(VOLET_COTE, VOLET_COTE, QImage::Format_RGB32);
-            vide.fill(QColor(CouleurFond & 255, CouleurFond >> 8 & 255, CouleurFond >> 16 & 255));
-            return vide;
-        }
-        const int w = sizex < VOLET_COTE ? sizex : VOLET_COTE, h = sizey < VOLET_COTE ? sizey : VOLET_COTE;
-        QImage image(VOLET_COTE, VOLET_COTE, QImage::Format_RGB32);
-        image.fill(QColor(CouleurFond & 255, CouleurFond >> 8 & 255, CouleurFond >> 16 & 255));
-        if (w > 0 && h > 0) {
+void BandeauTitre::paintEvent(QPaintEvent*) {
+    QPainter p(this);
+    p.drawImage(0, 0, ImageDeSurface(Picture(), 0, 0, BANDEAU_L, BANDEAU_H, BANDEAU_L, BANDEAU_H));
+}
+
+VoletApercu::VoletApercu(FenetrePrincipaleQt* f) : QWidget(f->centralWidget()), fenetre(f) {
+    setFixedSize(VOLET_COTE, VOLET_COTE);
+    setMouseTracking(true);
+}
+
+QImage VoletApercu::Picture() const {
+    const QColor fond(CouleurFond & 255, CouleurFond >> 8 & 255, CouleurFond >> 16 & 255);
+    const int kind = TypeApercu;
+    QImage image(VOLET_COTE, VOLET_COTE, QImage::Format_RGB32);
+    image.fill(fond);
+    if (kind == APERCU_PALETTE) {
+        // 16 pixels a row stretched 16 times; the rows of colours there are.
+        const int lignes = SurfaceApercu.hauteur < 16 ? SurfaceApercu.hauteur : 16;
+        if (lignes > 0 && SurfaceApercu.largeur >= 16) {
             QPainter p(&image);
-            p.drawImage(0, 0, ImageDeSurface(SurfaceApercu, DecalageX, DecalageY, w, h, w, h));
+            p.drawImage(0, 0, ImageDeSurface(SurfaceApercu, 0, 0, 16, lignes, VOLET_COTE, 16 * lignes));
         }
         return image;
     }
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter p(this);
-        p.drawImage(0, 0, Picture());
+    if (kind != APERCU_BITMAP8 && kind != APERCU_BITMAP16 && kind != APERCU_CARTE && kind != APERCU_MOSAIQUE) return image;
+    const int w = sizex < VOLET_COTE ? sizex : VOLET_COTE, h = sizey < VOLET_COTE ? sizey : VOLET_COTE;
+    if (w > 0 && h > 0) {
+        QPainter p(&image);
+        p.drawImage(0, 0, ImageDeSurface(SurfaceApercu, DecalageX, DecalageY, w, h, w, h));
     }
-    void mouseMoveEvent(QMouseEvent* e) override;
+    return image;
+}
 
-private:
-    FenetrePrincipaleQt* fenetre;
-};
+void VoletApercu::paintEvent(QPaintEvent*) {
+    QPainter p(this);
+    p.drawImage(0, 0, Picture());
+}
 
 void VoletApercu::mouseMoveEvent(QMouseEvent* e) {
     Survol s;
@@ -432,7 +421,7 @@ void FenetrePrincipaleQt::Commande(int numero) {
         if (r == REPONSE_ANNULER) return false;
         return r != REPONSE_OUI || Sauve();
     };
-    if (numero >= CMD_PROCEDURE) {
+    if (numero >= CMD_PROCEDURE && numero < CMD_QUITTER_SANS_SAUVER) {
         QAction* a = nullptr;
         for (QAction* m : menuBar()->actions())
             for (QAction* i : m->menu() ? m->menu()->actions() : QList<QAction*>{})

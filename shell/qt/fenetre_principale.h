@@ -5,14 +5,43 @@
 #pragma once
 #include "platform/image.h"
 
+#include <QImage>
 #include <QMainWindow>
 
 class QLabel;
 class QScrollBar;
 class QTreeWidget;
 class QTreeWidgetItem;
-class VoletApercu;
-class BandeauTitre;
+class FenetrePrincipaleQt;
+
+// The title strip: its picture by its formula, TitreCourant over it.
+class BandeauTitre : public QWidget {
+public:
+    explicit BandeauTitre(QWidget* parent);
+    ~BandeauTitre() override;
+    const Image& Picture(); // 24-bit, as shown
+
+protected:
+    void paintEvent(QPaintEvent*) override;
+
+private:
+    Image fond, avecTitre;
+};
+
+// The preview pane: SurfaceApercu's part at the scroll position, or a
+// palette's 16 x 16 pixels stretched over the whole pane.
+class VoletApercu : public QWidget {
+public:
+    explicit VoletApercu(FenetrePrincipaleQt* f);
+    QImage Picture() const;
+
+protected:
+    void paintEvent(QPaintEvent*) override;
+    void mouseMoveEvent(QMouseEvent* e) override;
+
+private:
+    FenetrePrincipaleQt* fenetre;
+};
 
 // Command numbers of the main window's menu and keys.
 enum CommandeFenetre {

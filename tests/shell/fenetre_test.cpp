@@ -1,0 +1,175 @@
+// The main window, offscreen, on the example project: the pane shows
+// SurfaceApercu pixel for pixel for each element, the title strip follows
+// its formula, and the commands give their exact messages. With
+// TESS_CAPTURES set, a picture of the window for each element is saved
+// there as PNG.
+#include "app/demarrage.h"
+#include "convert/conv.h"
+#include "convert/couleurs.h"
+#include "convert/images.h"
+#include "core/arbre.h"
+#include "core/projet.h"
+#include "editor/editeur.h"
+#include "editor/edition.h"
+#include "editor/plans.h"
+#include "format/formats.h"
+#include "platform/qt/fenetre_qt.h"
+#include "render/apercus.h"
+#include "render/surfaces.h"
+#include "script/crochets.h"
+#include "script/interpreteur.h"
+#include "shell/qt/fenetre_principale.h"
+#include "shell/volet.h"
+#include "platform/texte.h"
+#include "tests/support/enregistreur.h"
+
+#include <QApplication>
+#include <QTreeWidget>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+namespace {
+
+struct Fenetre : testing::Test {
+    DossierTemporaire dossier;
+    QApplication* app = nullptr;
+    FenetrePrincipaleQt* fenetre = nullptr;
+    EnregistreurMessages* journal = nullptr;
+
+    void SetUp() override {
+        static int argc = 1;
+        static char nom[] = "tests";
+        static char* argv[] = {nom, nullptr};
+        if (!QCoreApplication::instance()) app = new QApplication(argc, argv);
+        for (const char* f : {"niveau.png", "decor.png", "titre.bmp", "projet.tsl"})
+            std::filesystem::copy_file(std::string(TESS_SOURCES) + "/examples/demo/" + f, f);
+        InstalleInterpreteur();
+        InstalleFormats();
+        CrochetsScript.conv = [](const char* t) { ExecuteConv(t); };
+        CrochetsScript.reconstruitTablesCouleur = ConstruitTablesCouleur;
+        InstalleEditeur();
+        ConstruitTablesCouleur();
+        InitialiseFormats();
+        InitialiseImages();
+        ChargeProjet("projet.tsl");
+        DefinitProjet("projet.tsl");
+        ASSERT_EQ(CreeSurfaceApercu(), 1);
+        ExecuteChaineLot("-tset src=niveau +16c:-tset src=decor:-b16 src=titre:-b8 src=niveau");
+        fenetre = new FenetrePrincipaleQt();
+        fenetre->resize(620, 400);
+        fenetre->show();
+        journal = new EnregistreurMessages(); // after the window: boxes are recorded
+        ASSERT_TRUE(fenetre->Demarre());
+    }
+    void TearDown() override {
+        delete journal;
+        delete fenetre;
+        EditeurOuvert = false;
+    }
+    // Selects the row's node as a click would.
+    void Choisit(int element) {
+        for (QTreeWidgetItemIterator it(fenetre->Arbre()); *it; ++it)
+            if ((*it)->data(0, Qt::UserRole).toULongLong() == Elements[element].arbreItem) fenetre->Arbre()->setCurrentItem(*it);
+    }
+    // The pane as grabbed against SurfaceApercu at the scroll position.
+    static void ComparePane(QWidget* volet, const std::string& cas) {
+        const QImage vu = volet->grab().toImage().convertToFormat(QImage::Format_RGB32);
+        const bool palette = TypeApercu == APERCU_PALETTE;
+        const int w = palette ? VOLET_COTE : std::min(sizex, VOLET_COTE), h = palette ? VOLET_COTE : std::min(sizey, VOLET_COTE);
+        int differences = 0;
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x) {
+                const int sx = palette ? x / 16 : DecalageX + x, sy = palette ? y / 16 : DecalageY + y;
+                // A palette's rows past its colours stay in the background colour.
+                QRgb attendu = qRgb(CouleurFond & 255, CouleurFond >> 8 & 255, CouleurFond >> 16 & 255);
+                if (sy < SurfaceApercu.hauteur) {
+                    const uint8_t* p = SurfaceApercu.pixels + (size_t)(SurfaceApercu.hauteur - 1 - sy) * SurfaceApercu.pas + 3 * sx;
+                    attendu = qRgb(p[2], p[1], p[0]);
+                }
+                differences += vu.pixel(x, y) != attendu;
+            }
+        EXPECT_EQ(differences, 0) << cas;
+    }
+};
+
+TEST_F(Fenetre, LeVoletMontreLApercuDeChaqueElement) {
+    const char* captures = getenv("TESS_CAPTURES");
+    ASSERT_GE(NbElements, 8);
+    int vus = 0;
+    for (int e = 0; e < NbElements; ++e) {
+        if (EstDossier(Elements[e])) continue;
+        Choisit(e);
+        QApplication::processEvents();
+        ASSERT_GE(TypeApercu, 9) << Elements[e].fichier;
+        EXPECT_STREQ(TitreCourant, Elements[e].fichier);
+        ComparePane(fenetre->Volet(), Elements[e].fichier);
+        // A map or bitmap wider than the pane scrolls; the pane follows.
+        if ((TypeApercu == APERCU_CARTE || TypeApercu == APERCU_BITMAP16) && sizex > VOLET_COTE) {
+            DecalageX = Defile(DecalageX, PAGE_PLUS, 0, sizex);
+            EXPECT_EQ(DecalageX, std::min(192, sizex - VOLET_COTE));
+            ComparePane(fenetre->Volet(), std::string(Elements[e].fichier) + " scrolled");
+            DecalageX = 0;
+        }
+        if (captures) fenetre->grab().save(QString("%1/%2.png").arg(captures, QString(Elements[e].fichier).replace('.', '-')));
+        ++vus;
+    }
+    EXPECT_GE(vus, 8);
+    EXPECT_TRUE(journal->messages.empty());
+}
+
+TEST_F(Fenetre, BandeauSelonSaFormuleEtCoinsCoupes) {
+    CopieBornee(TitreCourant, "");
+    const QImage vu = fenetre->Bandeau()->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const QRgb fond = qRgb(CouleurFond & 255, CouleurFond >> 8 & 255, CouleurFond >> 16 & 255);
+    // Three pixels along each edge from every corner are cut.
+    auto Coupe = [](int x, int y) {
+        const int dx = x < BANDEAU_L / 2 ? x : BANDEAU_L - 1 - x, dy = y < BANDEAU_H / 2 ? y : BANDEAU_H - 1 - y;
+        return (dx == 0 && dy < 3) || (dy == 0 && dx < 3);
+    };
+    auto B = [](int v) { return v < 0 ? 0 : v > 255 ? 255 : v; };
+    int differences = 0;
+    for (int y = 0; y < BANDEAU_H; ++y)
+        for (int x = 0; x < BANDEAU_L; ++x) {
+            const QRgb formule = qRgb(B(3 * x / 5), B(x / 12 + 160 - 20 * y), B(x / 12 - 175 + 25 * y));
+            differences += vu.pixel(x, y) != (Coupe(x, y) ? fond : formule);
+        }
+    EXPECT_EQ(differences, 0);
+}
+
+TEST_F(Fenetre, CommandesEtLeursMessages) {
+    fenetre->Commande(CMD_A_PROPOS);
+    ASSERT_FALSE(journal->messages.empty());
+    EXPECT_EQ(journal->messages.back(), "[About] Tessellarium " TESS_VERSION_FENETRE);
+    fenetre->Commande(CMD_AIDE_PERSO);
+    EXPECT_EQ(journal->messages.back().rfind("[lisezmoi.htm] You are trying to access the personnal help file", 0), 0u);
+    // Clean project: the rows whose file is gone go, after the question.
+    const int avant = NbElements;
+    std::filesystem::remove("titre.b16.c");
+    journal->reponses = {REPONSE_ANNULER};
+    fenetre->Commande(CMD_NETTOIE);
+    EXPECT_EQ(NbElements, avant);
+    fenetre->Commande(CMD_NETTOIE);
+    EXPECT_EQ(journal->messages.back(), "[Project cleaning] Any project element pointing to a file that doesn't exist "
+                                         "anymore will be removed from the project.");
+    EXPECT_EQ(NbElements, avant - 1);
+    // New: Cancel keeps everything; No empties the project.
+    journal->reponses = {REPONSE_ANNULER};
+    fenetre->Commande(CMD_NOUVEAU);
+    EXPECT_EQ(NbElements, avant - 1);
+    EXPECT_EQ(journal->messages.back(), "[Attention] Do you want to save the project frist?");
+    journal->reponses = {REPONSE_NON};
+    fenetre->Commande(CMD_NOUVEAU);
+    EXPECT_EQ(NbElements, 0);
+    EXPECT_EQ(CheminProjet[0], 0);
+    // Closing is refused while an editor is open, and by an onquit hook that returns 0.
+    EditeurOuvert = true;
+    EXPECT_FALSE(fenetre->Ferme());
+    EditeurOuvert = false;
+    EcritFichier("script.spt", "onquit:\nreturn 0\n");
+    EXPECT_FALSE(fenetre->Ferme());
+}
+
+} // namespace
