@@ -11,8 +11,11 @@ if(NOT code STREQUAL "0")
 endif()
 set(programme "${DOSSIER}/bin/tessellarium")
 set(guide "${DOSSIER}/share/doc/tessellarium/README.md")
-if(NOT EXISTS "${programme}" OR NOT EXISTS "${guide}")
-  message(FATAL_ERROR "cmake --install: no ${programme} or no ${guide}")
+if(NOT EXISTS "${programme}" OR NOT EXISTS "${guide}" OR NOT EXISTS "${DOSSIER}/bin/aide.htm")
+  message(FATAL_ERROR "cmake --install: no ${programme}, ${guide} or bin/aide.htm")
+endif()
+if(FENETRE AND NOT EXISTS "${DOSSIER}/lib/tessellarium/tessellarium-fenetre.so")
+  message(FATAL_ERROR "cmake --install: no desktop module under lib/tessellarium")
 endif()
 # The installed program names the installed guide, and writes nothing where it runs.
 execute_process(COMMAND "${programme}" --help WORKING_DIRECTORY "${DOSSIER}"
