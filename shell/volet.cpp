@@ -1,10 +1,15 @@
 #include "shell/volet.h"
 
+#include "core/chemins.h"
+#include "core/elements.h"
 #include "core/reglages.h"
+#include "format/formats.h"
 #include "editor/edition.h"
 #include "platform/texte.h"
 #include "render/apercus.h"
 #include "render/surfaces.h"
+
+#include <cstring>
 
 char TitreCourant[TAILLE_TITRE] = "Welcome! Please select an element...";
 
@@ -55,6 +60,24 @@ int Defile(int position, RequeteDefilement requete, int valeur, int taille) {
     if (position > taille - VOLET_COTE) position = taille - VOLET_COTE;
     if (position < 0) position = 0;
     return position;
+}
+
+int AjouteFichierDepose(const char* chemin) {
+    static const uint32_t types[NB_SECTIONS] = {TYPE_BITMAP16, TYPE_BITMAP8, TYPE_PALETTE,
+                                                TYPE_MOSAIQUE, TYPE_CARTE,   TYPE_LISTE};
+    const char* ext = Extension(chemin);
+    for (int f = 0; f < NbFormats; ++f)
+        for (int s = 0; s < NB_SECTIONS; ++s) {
+            const char* x = TableFormats[f].sections[s].ext;
+            if (!x || x[0] != '.' || strcmp(x + 1, ext) != 0) continue;
+            char fichier[TAILLE_CHEMIN];
+            CopieBornee(fichier, chemin);
+            CheminRelatif(fichier, sizeof fichier);
+            char nom[TAILLE_NOM_COURT];
+            NomCourt(chemin, nom);
+            return AjouteElement(NouvelElement(types[s], nom, fichier, ""));
+        }
+    return -1;
 }
 
 bool SurvoleApercu(int mx, int my, Survol& s) {

@@ -36,3 +36,8 @@ struct Survol {
     int blocX = 0, blocY = 0, blocL = 0, blocH = 0;
 };
 bool SurvoleApercu(int mx, int my, Survol& survol);
+
+// A file dropped on the main window: its extension looked up in the six
+// sections of each format, in table order; a match becomes a row of that
+// type. Gives the row, or -1 when no format knows the extension.
+int AjouteFichierDepose(const char* chemin);

@@ -521,27 +521,9 @@ void FenetrePrincipaleQt::dragEnterEvent(QDragEnterEvent* e) {
     if (e->mimeData()->hasUrls()) e->acceptProposedAction();
 }
 
-// A dropped file of a known element extension becomes a row.
+// Dropped files: each one of a known element extension becomes a row.
 void FenetrePrincipaleQt::dropEvent(QDropEvent* e) {
-    static const uint32_t types[NB_SECTIONS] = {TYPE_BITMAP16, TYPE_BITMAP8, TYPE_PALETTE,
-                                                TYPE_MOSAIQUE, TYPE_CARTE,   TYPE_LISTE};
-    for (const QUrl& url : e->mimeData()->urls()) {
-        const std::string chemin = url.toLocalFile().toLocal8Bit().toStdString();
-        const char* ext = Extension(chemin.c_str());
-        int type = -1;
-        for (int f = 0; f < NbFormats && type < 0; ++f)
-            for (int s = 0; s < NB_SECTIONS && type < 0; ++s) {
-                const char* x = TableFormats[f].sections[s].ext;
-                if (x && x[0] == '.' && strcmp(x + 1, ext) == 0) type = (int)types[s];
-            }
-        if (type < 0) continue;
-        char fichier[TAILLE_CHEMIN];
-        CopieBornee(fichier, chemin.c_str());
-        CheminRelatif(fichier, sizeof fichier);
-        char nom[TAILLE_NOM_COURT];
-        NomCourt(chemin.c_str(), nom);
-        AjouteElement(NouvelElement((uint32_t)type, nom, fichier, ""));
-    }
+    for (const QUrl& url : e->mimeData()->urls()) AjouteFichierDepose(url.toLocalFile().toLocal8Bit().constData());
     e->acceptProposedAction();
 }
 

@@ -9,6 +9,7 @@
 #include "convert/images.h"
 #include "core/arbre.h"
 #include "core/projet.h"
+#include "core/reglages.h"
 #include "editor/editeur.h"
 #include "editor/edition.h"
 #include "editor/plans.h"
@@ -24,6 +25,8 @@
 #include "tests/support/enregistreur.h"
 
 #include <QApplication>
+#include <QMenu>
+#include <QMenuBar>
 #include <QTreeWidget>
 #include <gtest/gtest.h>
 
@@ -174,6 +177,52 @@ TEST_F(Fenetre, CommandesEtLeursMessages) {
     EditeurOuvert = false;
     EcritFichier("script.spt", "onquit:\nreturn 0\n");
     EXPECT_FALSE(fenetre->Ferme());
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(Fenetre, ProceduresDuScriptNommeEtOnstartQuiFerme) {
+    // A main script named by the project: its labels that begin with '_'
+    // are the Procedures, run from the menu.
+    delete journal;
+    delete fenetre;
+    EcritFichier("autre.spt", "_Niveau:\nconvert.nuances = 12\nfin\n_Autre essai:\nfin\nonstart:\nfin\n");
+    CopieBornee(ScriptPrincipal, "autre.spt");
+    fenetre = new FenetrePrincipaleQt();
+    journal = new EnregistreurMessages();
+    ASSERT_TRUE(fenetre->Demarre());
+    QStringList items;
+    int premier = 0;
+    for (QAction* m : fenetre->menuBar()->actions())
+        if (m->text() == "Procedures")
+            for (QAction* a : m->menu()->actions()) {
+                items << a->text();
+                if (!premier) premier = a->data().toInt();
+            }
+    EXPECT_EQ(items, (QStringList{"Niveau", "Autre essai"}));
+    EXPECT_EQ(premier, CMD_PROCEDURE);
+    fenetre->Commande(CMD_PROCEDURE);
+    EXPECT_EQ(ReglagesConv.nuances, 12);
+    // An onstart that quits closes the window as the user would.
+    delete journal;
+    delete fenetre;
+    EcritFichier("autre.spt", "onstart:\nquitte\n");
+    fenetre = new FenetrePrincipaleQt();
+    journal = new EnregistreurMessages();
+    EXPECT_FALSE(fenetre->Demarre());
+}
+
+TEST_F(Fenetre, FichiersDeposes) {
+    const int avant = NbElements;
+    std::filesystem::copy_file("decor.map.c", "autre.map.c");
+    EXPECT_GE(AjouteFichierDepose((dossier.chemin + "/autre.map.c").c_str()), 0);
+    EXPECT_EQ(NbElements, avant + 1);
+    EXPECT_EQ(TypeDe(Elements[NbElements - 1]), (uint32_t)TYPE_CARTE);
+    EXPECT_STREQ(Elements[NbElements - 1].fichier, "autre.map.c");
+    EXPECT_EQ(AjouteFichierDepose((dossier.chemin + "/decor.png").c_str()), -1); // no format knows .png
+    EXPECT_EQ(NbElements, avant + 1);
 }
 
 } // namespace
