@@ -317,22 +317,22 @@ void EcritFichiers(FILE* f) {
 
 } // namespace
 
-void SauveProjet(const char* chemin) {
+int SauveProjet(const char* chemin) {
     char choisi[TAILLE_CHEMIN_PROJET];
     if (!chemin || !*chemin) {
         ChoisitNomProjet(choisi, sizeof choisi);
-        if (!choisi[0]) return;
+        if (!choisi[0]) return 0;
         chemin = choisi;
     }
     if (ProjetTronque.raison[0] && MemeFichier(chemin, ProjetTronque.chemin)) {
         SignaleEchec("%s: not saved: %s", chemin, ProjetTronque.raison);
-        return;
+        return 0;
     }
     // Made in memory first: a file that holds these very bytes is left alone.
     char* texte = nullptr;
     size_t taille = 0;
     FILE* f = open_memstream(&texte, &taille);
-    if (!f) return;
+    if (!f) return 0;
     fputs(ENTETE_PROJET, f);
     EcritInfos(f);
     EcritFichiers(f);
@@ -343,16 +343,19 @@ void SauveProjet(const char* chemin) {
         fwrite(DonneesProjet, 1, TailleDonneesProjet, f);
     else
         fputs("  End\n\n\n\n", f);
-    const bool fait = fclose(f) == 0 && texte;
+    bool fait = fclose(f) == 0 && texte;
     if (fait && !FichierEgal(chemin, texte, taille)) {
         // Written whole or not at all: a failed save leaves the old project.
         EcritureSure ecriture;
         FILE* sortie = CommenceEcritureSure(ecriture, chemin);
         if (sortie) fwrite(texte, 1, taille, sortie);
-        if (!sortie || !TermineEcritureSure(ecriture))
+        if (!sortie || !TermineEcritureSure(ecriture)) {
             SignaleEchec("cannot write %s: %s", chemin, strerror(ecriture.erreur));
+            fait = false;
+        }
     }
     free(texte);
+    return fait ? 1 : 0;
 }
 
 // ---- The older binary form ---------------------------------------------------

@@ -29,8 +29,10 @@ extern ProjetIncomplet ProjetTronque;
 void ChargeProjet(const char* chemin);
 // Writes the project. An empty path first asks for a name. A file that holds
 // the very bytes already is not written again (its time stays), and a file
-// that was read cut short is not written over (ProjetTronque).
-void SauveProjet(const char* chemin);
+// that was read cut short is not written over (ProjetTronque). Gives 1 when
+// the file holds the project, 0 when it was not written (silently: the
+// window, which would lose the user's work, says so).
+int SauveProjet(const char* chemin);
 // The save dialog for a project; sortie stays empty when cancelled.
 void ChoisitNomProjet(char* sortie, size_t taille);
 // Makes the project's path full, stores it in CheminProjet, and makes its

@@ -113,6 +113,15 @@ void Redessine(int actif) {
 
 const OperationsArbre ArbreQtOperations = {Insere, Supprime, Vide, Selectionne, Redessine};
 
+// The project saved from the window: a failure is said, where a batch run
+// only gives its failure line.
+bool SauveProjetFenetre(const char* chemin) {
+    if (SauveProjet(chemin)) return true;
+    BoiteMessage("Unable to open the file for writing.\nThe file name is probably erroneous.", chemin,
+                 BOITE_OK | ICONE_ARRET);
+    return false;
+}
+
 // The element row of a node, or -1 (a root or a folder has none).
 int ElementDeNoeud(NoeudArbre noeud) {
     for (int i = 0; i < NbElements; ++i)
@@ -412,8 +421,7 @@ void FenetrePrincipaleQt::Commande(int numero) {
         char nom[TAILLE_CHEMIN_PROJET];
         if (!NomSauvegarde(nom, sizeof nom)) return false;
         DefinitProjet(nom);
-        SauveProjet(CheminProjet);
-        return true;
+        return SauveProjetFenetre(CheminProjet);
     };
     // New and Open first offer to save the project.
     auto Question = [&] {
@@ -452,7 +460,7 @@ void FenetrePrincipaleQt::Commande(int numero) {
         ChoisitNomProjet(nom, sizeof nom);
         if (!nom[0]) return;
         DefinitProjet(nom);
-        SauveProjet(CheminProjet);
+        SauveProjetFenetre(CheminProjet);
         break;
     }
     case CMD_RAFRAICHIR: ReconstruitArbre(); break;
@@ -504,8 +512,8 @@ bool FenetrePrincipaleQt::Ferme() {
     if (CheminProjet[0]) CopieBornee(nom, CheminProjet);
     else ChoisitNomProjet(nom, sizeof nom);
     if (!nom[0]) return false;
-    SauveProjet(nom);
-    return true;
+    // A project that could not be written keeps the window open: nothing is lost.
+    return SauveProjetFenetre(nom);
 }
 
 void FenetrePrincipaleQt::closeEvent(QCloseEvent* e) {

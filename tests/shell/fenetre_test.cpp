@@ -226,3 +226,35 @@ TEST_F(Fenetre, FichiersDeposes) {
 }
 
 } // namespace
+
+namespace {
+
+// Bad input in the window: the system's messages, nothing lost, and the
+// window goes on working.
+TEST_F(Fenetre, MauvaisesEntreesLaissentLaFenetreUtilisable) {
+    // A damaged project opened from the menu: after the question, the dialog's path.
+    EcritFichier("abime.tsl", std::string("\x01\x02garbage\xff\xfe", 12));
+    journal->reponses = {REPONSE_NON};
+    journal->fichiers = {dossier.chemin + "/abime.tsl"};
+    fenetre->Commande(CMD_OUVRIR);
+    const size_t apresOuverture = journal->messages.size();
+    EXPECT_GE(apresOuverture, 1u);
+    EXPECT_TRUE(std::filesystem::exists("abime.tsl"));
+    // A save where no folder exists: the message, the window stays open, and still answers.
+    CopieBornee(CheminProjet, "/nulle/part/projet.tsl");
+    fenetre->Commande(CMD_SAUVER);
+    EXPECT_EQ(journal->messages.back(),
+              "[/nulle/part/projet.tsl] Unable to open the file for writing.\nThe file name is probably erroneous.");
+    EXPECT_FALSE(fenetre->Ferme());
+    fenetre->Commande(CMD_A_PROPOS);
+    EXPECT_EQ(journal->messages.back(), "[About] Tessellarium " TESS_VERSION_FENETRE);
+    // A picture that can't be read, as a map's element: the preview says nothing, the pane stays.
+    EcritFichier("vide.map.c", "pas une carte");
+    const int e = AjouteFichierDepose((dossier.chemin + "/vide.map.c").c_str());
+    ASSERT_GE(e, 0);
+    Choisit(e);
+    QApplication::processEvents();
+    EXPECT_FALSE(fenetre->Volet()->grab().isNull());
+}
+
+} // namespace
