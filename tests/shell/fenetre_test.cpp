@@ -258,3 +258,55 @@ TEST_F(Fenetre, MauvaisesEntreesLaissentLaFenetreUtilisable) {
 }
 
 } // namespace
+
+namespace {
+
+// The menu: every item, its key and its command number, in order.
+TEST_F(Fenetre, MenuEtTouches) {
+    QStringList vu;
+    for (QAction* m : fenetre->menuBar()->actions()) {
+        if (m->text() == "Procedures") continue; // from the main script
+        for (QAction* a : m->menu()->actions())
+            vu << (a->isSeparator() ? QString("----")
+                                    : QString("%1|%2|%3|%4")
+                                          .arg(m->text(), a->text(), a->shortcut().toString(), a->data().toString()));
+    }
+    const QStringList attendu = {
+        "File|New|Ctrl+N|40002",         "File|Open|Ctrl+O|40003",           "File|Save|Ctrl+S|40004",
+        "File|Save as||40005",           "----",                             "File|File formats...||40038",
+        "File|Add a folder||40028",      "----",                             "File|Quit without saving|Ctrl+Q|40001",
+        "Edit|Copy preview|Ctrl+C|40039", "Edit|Export (image)|Ctrl+X|40045", "View|Refresh tree|F5|40007",
+        "Tools|Script invite|Ctrl+I|40030", "Tools|Clean project||40051",    "Tools|Options...||40032",
+        "Help|Documentation|F1|40011",   "Help|User help...|F3|40031",       "Help|About...||40010",
+    };
+    EXPECT_EQ(vu, attendu);
+}
+
+// Open and Save as: the question before Open, the dialogs' paths, and a
+// cancelled dialog that changes nothing.
+TEST_F(Fenetre, OuvrirEtEnregistrerSous) {
+    journal->fichiers = {dossier.chemin + "/copie.tsl"};
+    fenetre->Commande(CMD_SAUVER_SOUS);
+    EXPECT_TRUE(std::filesystem::exists("copie.tsl"));
+    EXPECT_EQ(std::string(CheminProjet), dossier.chemin + "/copie.tsl");
+    const int lignes = NbElements;
+    // Open: Yes saves first (to copie.tsl), then the chosen project is read.
+    EcritFichier("vide.tsl", "#Fichier de projet Tessellarium\n");
+    journal->reponses = {REPONSE_OUI};
+    journal->fichiers = {dossier.chemin + "/vide.tsl"};
+    fenetre->Commande(CMD_OUVRIR);
+    EXPECT_EQ(NbElements, 0);
+    EXPECT_EQ(std::string(CheminProjet), dossier.chemin + "/vide.tsl");
+    // Open again, No, and a cancelled dialog: the open project stays.
+    journal->reponses = {REPONSE_NON};
+    journal->fichiers = {};
+    fenetre->Commande(CMD_OUVRIR);
+    EXPECT_EQ(std::string(CheminProjet), dossier.chemin + "/vide.tsl");
+    // The copy holds the rows it was saved with.
+    journal->reponses = {REPONSE_NON};
+    journal->fichiers = {dossier.chemin + "/copie.tsl"};
+    fenetre->Commande(CMD_OUVRIR);
+    EXPECT_EQ(NbElements, lignes);
+}
+
+} // namespace
