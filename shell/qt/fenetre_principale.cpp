@@ -337,10 +337,7 @@ void FenetrePrincipaleQt::ConstruitMenus() {
 
 bool FenetrePrincipaleQt::Demarre() {
     ReconstruitArbre();
-    // The window's background colour, with its lowest red bit set (no GBA
-    // colour, whose components are multiples of 8, can equal it).
-    const QColor fond = palette().color(QPalette::Window);
-    CouleurFond = ((uint32_t)fond.red() | 1u) | (uint32_t)fond.green() << 8 | (uint32_t)fond.blue() << 16;
+    LitCouleurFond();
     CopieBornee(TitreCourant, "Welcome! Please select an element...");
     ExecuteEvenement("onstart");
     if (FinScript == 2 || ResultatScript == 0) return false;
@@ -514,6 +511,22 @@ bool FenetrePrincipaleQt::Ferme() {
     if (!nom[0]) return false;
     // A project that could not be written keeps the window open: nothing is lost.
     return SauveProjetFenetre(nom);
+}
+
+// The window's background colour, with its lowest red bit set (no GBA
+// colour, whose components are multiples of 8, can equal it): read from the
+// window's palette, at start and whenever the desktop changes it.
+void FenetrePrincipaleQt::LitCouleurFond() {
+    const QColor fond = palette().color(QPalette::Window);
+    const uint32_t couleur = ((uint32_t)fond.red() | 1u) | (uint32_t)fond.green() << 8 | (uint32_t)fond.blue() << 16;
+    if (couleur == CouleurFond) return;
+    CouleurFond = couleur;
+    RedessineApercu();
+}
+
+void FenetrePrincipaleQt::changeEvent(QEvent* e) {
+    if (e->type() == QEvent::PaletteChange) LitCouleurFond();
+    QMainWindow::changeEvent(e);
 }
 
 void FenetrePrincipaleQt::closeEvent(QCloseEvent* e) {

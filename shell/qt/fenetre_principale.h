@@ -91,11 +91,13 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* e) override;
+    void changeEvent(QEvent* e) override;
     void dragEnterEvent(QDragEnterEvent* e) override;
     void dropEvent(QDropEvent* e) override;
 
 private:
     void ConstruitMenus();
+    void LitCouleurFond();
     void BarresDefilement();
     void ScriptInvite();
     QTreeWidget* arbre;

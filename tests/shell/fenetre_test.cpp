@@ -23,8 +23,12 @@
 #include "shell/volet.h"
 #include "platform/texte.h"
 #include "tests/support/enregistreur.h"
+#include "tests/support/projets.h"
 
 #include <QApplication>
+#include <QDialog>
+#include <QPlainTextEdit>
+#include <QTimer>
 #include <QMenu>
 #include <QMenuBar>
 #include <QTreeWidget>
@@ -188,8 +192,20 @@ TEST_F(Fenetre, ProceduresDuScriptNommeEtOnstartQuiFerme) {
     // are the Procedures, run from the menu.
     delete journal;
     delete fenetre;
+    // A main script that is missing gives the placeholder.
+    CopieBornee(ScriptPrincipal, "absent.spt");
+    fenetre = new FenetrePrincipaleQt();
+    for (QAction* m : fenetre->menuBar()->actions())
+        if (m->text() == "Procedures") {
+            ASSERT_EQ(m->menu()->actions().size(), 1);
+            EXPECT_EQ(m->menu()->actions()[0]->text(), "(No script)");
+            EXPECT_FALSE(m->menu()->actions()[0]->isEnabled());
+        }
+    delete fenetre;
     EcritFichier("autre.spt", "_Niveau:\nconvert.nuances = 12\nfin\n_Autre essai:\nfin\nonstart:\nfin\n");
-    CopieBornee(ScriptPrincipal, "autre.spt");
+    EcritFichier("p2.tsl", Projet(DebutInfos("autre.spt", "lisezmoi.htm"), ""));
+    ChargeProjet("p2.tsl");
+    ASSERT_STREQ(ScriptPrincipal, "autre.spt");
     fenetre = new FenetrePrincipaleQt();
     journal = new EnregistreurMessages();
     ASSERT_TRUE(fenetre->Demarre());
@@ -307,6 +323,34 @@ TEST_F(Fenetre, OuvrirEtEnregistrerSous) {
     journal->fichiers = {dossier.chemin + "/copie.tsl"};
     fenetre->Commande(CMD_OUVRIR);
     EXPECT_EQ(NbElements, lignes);
+}
+
+} // namespace
+
+namespace {
+
+// "Execute (script)": the text typed runs as a script; the dialog opens
+// again with it. The modal dialog is driven by actions posted before it runs.
+TEST_F(Fenetre, InviteDeScript) {
+    auto Tape = [](const QString& texte, bool ok) {
+        QTimer::singleShot(0, [texte, ok] {
+            for (QWidget* w : QApplication::topLevelWidgets()) {
+                auto* d = qobject_cast<QDialog*>(w);
+                if (!d || !d->isVisible()) continue;
+                if (auto* edition = d->findChild<QPlainTextEdit*>()) {
+                    if (!texte.isNull()) edition->setPlainText(texte);
+                    ok ? d->accept() : d->reject();
+                }
+            }
+        });
+    };
+    Tape("convert.nuances = 7\r\nconvert.shades = 9", true);
+    fenetre->Commande(CMD_SCRIPT);
+    EXPECT_EQ(ReglagesConv.nuances, 9);
+    Tape("convert.nuances = 3", false); // Cancel runs nothing
+    fenetre->Commande(CMD_SCRIPT);
+    EXPECT_EQ(ReglagesConv.nuances, 9);
+    fenetre->activateWindow();
 }
 
 } // namespace
