@@ -21,6 +21,7 @@
 #include "tests/support/enregistreur.h"
 #include "tests/support/images.h"
 #include "tests/support/scripts.h"
+#include "tests/support/systeme.h"
 
 #include <gtest/gtest.h>
 
@@ -37,13 +38,7 @@ struct EditeurEssai : testing::Test {
     void SetUp() override {
         PlateformeCourante.millisecondes = [] { return HorlogeEssai; };
         HorlogeEssai = 100000;
-        InstalleInterpreteur();
-        InstalleFormats();
-        CrochetsScript.conv = [](const char* t) { ExecuteConv(t); };
-        CrochetsScript.reconstruitTablesCouleur = ConstruitTablesCouleur;
-        InstalleEditeur();
-        ConstruitTablesCouleur();
-        InitialiseFormats();
+        InstalleSysteme();
         SauveVariables();
         ASSERT_EQ(CreeSurfaceApercu(), 1);
         ASSERT_EQ(CreeSurfacesEditeur(), 1);

@@ -24,6 +24,7 @@
 #include "platform/texte.h"
 #include "tests/support/enregistreur.h"
 #include "tests/support/projets.h"
+#include "tests/support/systeme.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -57,14 +58,7 @@ struct Fenetre : testing::Test {
         if (!QCoreApplication::instance()) app = new QApplication(argc, argv);
         for (const char* f : {"niveau.png", "decor.png", "titre.bmp", "projet.tsl"})
             std::filesystem::copy_file(std::string(TESS_SOURCES) + "/examples/demo/" + f, f);
-        InstalleInterpreteur();
-        InstalleFormats();
-        CrochetsScript.conv = [](const char* t) { ExecuteConv(t); };
-        CrochetsScript.reconstruitTablesCouleur = ConstruitTablesCouleur;
-        InstalleEditeur();
-        ConstruitTablesCouleur();
-        InitialiseFormats();
-        InitialiseImages();
+        InstalleSysteme();
         ChargeProjet("projet.tsl");
         DefinitProjet("projet.tsl");
         ASSERT_EQ(CreeSurfaceApercu(), 1);
