@@ -33,6 +33,8 @@ int FichierSansFenetre(int, char* sortie, size_t taille, const char*, const char
 
 int CommandeSansFenetre(const char*) { return 0; }
 
+int AucunModificateur() { return 0; }
+
 int64_t MillisecondesSysteme() {
     timespec t;
     clock_gettime(CLOCK_MONOTONIC, &t);
@@ -46,9 +48,10 @@ uint64_t MemoireLibreSysteme() {
 
 } // namespace
 
-const Plateforme PlateformeSansFenetre = {BoiteSansFenetre,    AttenteSansFenetre,   FichierSansFenetre,
-                                          CommandeSansFenetre, AttenteSansFenetre,   MillisecondesSysteme,
-                                          MemoireLibreSysteme, DessineTextePolice,   LargeurTextePolice};
+const Plateforme PlateformeSansFenetre = {BoiteSansFenetre,    AttenteSansFenetre, FichierSansFenetre,
+                                          CommandeSansFenetre, AttenteSansFenetre, MillisecondesSysteme,
+                                          MemoireLibreSysteme, DessineTextePolice, LargeurTextePolice,
+                                          AucunModificateur};
 Plateforme PlateformeCourante = PlateformeSansFenetre;
 
 int BoiteMessage(const char* texte, const char* titre, int style) {

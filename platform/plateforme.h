@@ -57,6 +57,8 @@ struct Plateforme {
     void (*dessineTexte)(Image& surface, int x, int y, const char* texte, uint32_t couleur);
     // Width in pixels of a text in that font.
     int (*largeurTexte)(const char* texte);
+    // Ctrl (1) and Shift (2) held at this instant.
+    int (*modificateurs)();
 };
 
 // The seam in force. Starts with the headless defaults.
@@ -70,6 +72,7 @@ inline void DessineTexte(Image& surface, int x, int y, const char* texte, uint32
     PlateformeCourante.dessineTexte(surface, x, y, texte, couleur);
 }
 inline int LargeurTexte(const char* texte) { return PlateformeCourante.largeurTexte(texte); }
+inline int Modificateurs() { return PlateformeCourante.modificateurs(); }
 // The built-in font: each printable ASCII character 5 x 7 pixels in a cell
 // of 6 x 8; other bytes show as a hollow box.
 constexpr int LARGEUR_CAR_POLICE = 6;

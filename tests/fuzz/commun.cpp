@@ -63,7 +63,7 @@ const Plateforme PlateformeMuette = {BoiteMuette,          RienAttente,
                                      DialogueAnnule,       AucuneCommande,
                                      RienAttente,          PlateformeSansFenetre.millisecondes,
                                      PlateformeSansFenetre.memoireLibre, PlateformeSansFenetre.dessineTexte,
-                                     PlateformeSansFenetre.largeurTexte};
+                                     PlateformeSansFenetre.largeurTexte, PlateformeSansFenetre.modificateurs};
 
 // ---- The scratch folder --------------------------------------------------------------
 
