@@ -28,6 +28,7 @@
 #include "script/fonctions.h"
 #include "script/interpreteur.h"
 #include "shell/fenetre.h"
+#include "shell/qt/editeur_carte.h"
 #include "shell/volet.h"
 
 #include <QAction>
@@ -256,9 +257,14 @@ FenetrePrincipaleQt::FenetrePrincipaleQt() {
     connect(arbre, &QTreeWidget::currentItemChanged, this, [this] {
         if (SelectionArbreActive && !ArbreEnReconstruction) MontreSelection();
     });
-    connect(arbre, &QTreeWidget::itemDoubleClicked, this, [](QTreeWidgetItem* item) {
+    connect(arbre, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item) {
         const int e = ElementDeNoeud((NoeudArbre)item->data(0, Qt::UserRole).toULongLong());
-        if (e < 0 || TypeDe(Elements[e]) == TYPE_CARTE) return; // maps open in the editor (its own issue)
+        if (e < 0) return;
+        if (TypeDe(Elements[e]) == TYPE_CARTE) {
+            EditeElement(this, e); // a map opens in the editor
+            MontreSelection();
+            return;
+        }
         char ligne[TAILLE_CHEMIN + 16];
         FormateBorne(ligne, sizeof ligne, "notepad \"%s\"", Elements[e].fichier);
         PlateformeCourante.lanceCommande(ligne);

@@ -19,7 +19,9 @@
 #include "render/surfaces.h"
 #include "script/crochets.h"
 #include "script/interpreteur.h"
+#include "shell/qt/editeur_carte.h"
 #include "shell/qt/fenetre_principale.h"
+#include "editor/entree.h"
 #include "shell/volet.h"
 #include "platform/texte.h"
 #include "tests/support/enregistreur.h"
@@ -27,6 +29,7 @@
 #include "tests/support/systeme.h"
 
 #include <QApplication>
+#include <QMouseEvent>
 #include <QDialog>
 #include <QPlainTextEdit>
 #include <QTimer>
@@ -345,6 +348,59 @@ TEST_F(Fenetre, InviteDeScript) {
     fenetre->Commande(CMD_SCRIPT);
     EXPECT_EQ(ReglagesConv.nuances, 9);
     fenetre->activateWindow();
+}
+
+} // namespace
+
+namespace {
+
+// The map editor's window, offscreen, on the example's map: the view shows
+// SurfaceEditeur scaled by repetition, a click paints, Ctrl+S saves the map
+// and the state script, and closing asks nothing once saved.
+TEST_F(Fenetre, EditeurDeCarte) {
+    const int e = TrouveElement(TYPE_CARTE, "niveau");
+    ASSERT_GE(e, 0);
+    ASSERT_EQ(CreeSurfacesEditeur(), 1);
+    ASSERT_EQ(OuvreEditeur(e), 1);
+    EditeurCarteQt editeur(fenetre);
+    editeur.show();
+    editeur.Tick();
+    auto Compare = [&](int zoom) {
+        const QImage vu = editeur.VueWidget()->grab().toImage().convertToFormat(QImage::Format_RGB32);
+        int differences = 0;
+        for (int y = 0; y < Vue.hauteurVue; ++y)
+            for (int x = 0; x < Vue.largeurVue; ++x) {
+                const int sx = x / zoom, sy = y / zoom;
+                const uint8_t* p = SurfaceEditeur.pixels + (size_t)(SurfaceEditeur.hauteur - 1 - sy) * SurfaceEditeur.pas + 3 * sx;
+                differences += vu.pixel(x, y) != qRgb(p[2], p[1], p[0]);
+            }
+        EXPECT_EQ(differences, 0) << "zoom " << zoom;
+    };
+    Compare(1);
+    ReglagesEdit.zoom = 2.0;
+    editeur.Dispose();
+    editeur.Tick();
+    Compare(2);
+    ReglagesEdit.zoom = 1.0;
+    editeur.Dispose();
+    // A click on the view paints the value there.
+    ChoisitValeur(3);
+    const QPoint ici(2 * 8 + 3, 1 * 8 + 3); // cell (2, 1), in the view's own pixels
+    QMouseEvent presse(QEvent::MouseButtonPress, ici, editeur.VueWidget()->mapToGlobal(ici), Qt::LeftButton,
+                       Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent relache(QEvent::MouseButtonRelease, ici, editeur.VueWidget()->mapToGlobal(ici), Qt::LeftButton,
+                        Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(editeur.VueWidget(), &presse);
+    QApplication::sendEvent(editeur.VueWidget(), &relache);
+    EXPECT_EQ(Plans[0].cellules[1 * Plans[0].sizex + 2], 3u);
+    EXPECT_EQ(std::string(TitreEditeur), "niveau* - Map editor");
+    editeur.Tick();
+    if (const char* captures = getenv("TESS_CAPTURES")) editeur.grab().save(QString("%1/editeur.png").arg(captures));
+    CommandeClavier(ED_SAUVER);
+    EXPECT_NE(LitFichier("niveau.map.c").find("0x0003"), std::string::npos);
+    EXPECT_TRUE(std::filesystem::exists("niveau.map.spt"));
+    EXPECT_TRUE(editeur.close());
+    EXPECT_FALSE(EditeurOuvert);
 }
 
 } // namespace
