@@ -12,8 +12,16 @@
 #include "editor/plans.h"
 #include "platform/qt/fenetre_qt.h"
 #include "render/surfaces.h"
+#include "tools/operations.h"
 
+#include <functional>
+
+#include <QCheckBox>
 #include <QCloseEvent>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QMenu>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
@@ -112,6 +120,11 @@ EditeurCarteQt::EditeurCarteQt(QWidget* parent) : QDialog(parent) {
     connect(retablir, &QPushButton::clicked, this, [this] {
         CommandeClavier(ED_RETABLIR);
         MajControles();
+    });
+    connect(menu, &QPushButton::clicked, this, [this] {
+        QMenu* m = ConstruitMenu();
+        m->exec(this->menu->mapToGlobal(QPoint(0, this->menu->height())));
+        delete m;
     });
     connect(coller, &QPushButton::clicked, this, [this] {
         CommandeClavier(ED_COLLER);
@@ -231,6 +244,125 @@ void EditeurCarteQt::closeEvent(QCloseEvent* e) {
 }
 
 void EditeurCarteQt::reject() { close(); }
+
+void EditeurCarteQt::mousePressEvent(QMouseEvent* e) {
+    if (e->button() != Qt::RightButton) return;
+    QMenu* m = ConstruitMenu();
+    m->exec(e->globalPosition().toPoint());
+    delete m;
+}
+
+QMenu* EditeurCarteQt::ConstruitMenu() {
+    auto* m = new QMenu(this);
+    // Every choice first clears the objects' selection.
+    auto Item = [this](QMenu* menu, const QString& texte, std::function<void()> f, bool coche = false,
+                       bool cochable = false, bool actif = true) {
+        QAction* a = menu->addAction(texte);
+        a->setCheckable(cochable);
+        a->setChecked(coche);
+        a->setEnabled(actif);
+        connect(a, &QAction::triggered, this, [this, f] {
+            ObjetCourant = -1;
+            NbSelectionObjets = 0;
+            if (f) f();
+            Dispose();
+            MajControles();
+        });
+        return a;
+    };
+    QMenu* fonds = m->addMenu("Backgrounds...");
+    QMenu* actifs = fonds->addMenu("Active...");
+    QMenu* proprietes = fonds->addMenu("Properties...");
+    for (int n = 0; n < NbPlans; ++n) {
+        const QString nom = QString::fromLatin1(PlanElement[n] ? PlanElement[n]->nom : Plans[n].name);
+        Item(actifs, nom, [n] { ActivePlan(n); }, n == PlanActif, true);
+        Item(proprietes, nom, nullptr); // the plane's properties come with their dialog
+    }
+    Item(fonds, "Add a background...	   Ctrl+M", nullptr);
+    Item(fonds, "Link...", nullptr);
+    Item(fonds, "One palette for each BG", [] { ReglagesPlans.proprePalette = !ReglagesPlans.proprePalette; },
+         ReglagesPlans.proprePalette != 0, true);
+    Item(fonds, "Transparents BG", [] { ReglagesPlans.transparence = !ReglagesPlans.transparence; },
+         ReglagesPlans.transparence != 0, true);
+    QMenu* outils = m->addMenu("Tools...");
+    auto Hexa = [this] {
+        BasculeModeHexa();
+        valeurHexa->setVisible(ReglagesHexa.actif != 0);
+    };
+    if (!ReglagesHexa.actif) {
+        Item(outils, "HEX Mode	   Ctrl+H", Hexa);
+    } else {
+        QMenu* hexa = outils->addMenu("HEX mode");
+        hexa->menuAction()->setCheckable(true);
+        hexa->menuAction()->setChecked(true);
+        Item(hexa, "Cancel	   Ctrl+H", Hexa);
+        Item(hexa, "Append zeros", [] { ReglagesHexa.combleZeros = !ReglagesHexa.combleZeros; },
+             ReglagesHexa.combleZeros != 0, true);
+        Item(hexa, "Gfx map as background", [] { ReglagesHexa.fondActif = !ReglagesHexa.fondActif; },
+             ReglagesHexa.fondActif != 0, true);
+    }
+    Item(outils, "Bits display", nullptr, false, true);
+    Item(outils, "Specimen map", nullptr, false, true, false); // no specimen window yet
+    Item(m, "Options...", nullptr);
+    Item(m, "Operations on selection", [this] { DialogueOperations(); }, false, false, MotifTenu());
+    Item(m, "Moving...", [this] { DialogueBlocs(); });
+    return m;
+}
+
+void EditeurCarteQt::DialogueOperations() {
+    QDialog d(this);
+    d.setWindowTitle("Operations on selection");
+    auto* operation = new QLineEdit(&d);
+    auto* condition = new QLineEdit(&d);
+    operation->setMaxLength(999);
+    condition->setMaxLength(999);
+    auto* seul = new QCheckBox("Only on the active plane", &d);
+    auto* boutons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &d);
+    auto* f = new QFormLayout(&d);
+    f->addRow("Operation (op nbr):", operation);
+    f->addRow("Condition (op nbr):", condition);
+    f->addRow(seul);
+    f->addRow(boutons);
+    // The dialog stays open after a message, with what was typed.
+    connect(boutons, &QDialogButtonBox::accepted, &d, [&] {
+        if (ExecuteOperations(operation->text().toLatin1().constData(), condition->text().toLatin1().constData(),
+                              seul->isChecked()))
+            d.accept();
+    });
+    connect(boutons, &QDialogButtonBox::rejected, &d, &QDialog::reject);
+    d.exec();
+}
+
+void EditeurCarteQt::DialogueBlocs() {
+    QDialog d(this);
+    d.setWindowTitle("Blocks copy");
+    QLineEdit* champs[6];
+    for (QLineEdit*& c : champs) c = new QLineEdit(&d);
+    auto* seul = new QCheckBox("Only on the active plane", &d);
+    auto* boutons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &d);
+    auto* f = new QFormLayout(&d);
+    f->addRow(new QLabel("To use this function efficiently, please refer to the documentation.", &d));
+    auto Paire = [&](const char* texte, QLineEdit* a, QLineEdit* b) {
+        auto* l = new QHBoxLayout();
+        l->addWidget(a);
+        l->addWidget(b);
+        f->addRow(texte, l);
+    };
+    Paire("Source (x,y)", champs[0], champs[1]);
+    Paire("Size (l,h)", champs[2], champs[3]);
+    Paire("Destination (x,y)", champs[4], champs[5]);
+    f->addRow(seul);
+    f->addRow(boutons);
+    connect(boutons, &QDialogButtonBox::accepted, &d, [&] {
+        QByteArray t[6];
+        for (int i = 0; i < 6; ++i) t[i] = champs[i]->text().toLatin1();
+        if (ExecuteCopieBlocs(t[0].constData(), t[1].constData(), t[2].constData(), t[3].constData(),
+                              t[4].constData(), t[5].constData(), seul->isChecked()))
+            d.accept();
+    });
+    connect(boutons, &QDialogButtonBox::rejected, &d, &QDialog::reject);
+    d.exec();
+}
 
 void EditeElement(QWidget* parent, int element) {
     if (EditeurOuvert || !CreeSurfacesEditeur() || !OuvreEditeur(element)) return;

@@ -8,6 +8,7 @@
 #include <QImage>
 
 class QLabel;
+class QMenu;
 class QLineEdit;
 class QPushButton;
 class QScrollBar;
@@ -22,12 +23,18 @@ public:
     // Lays the controls out for the client size, the zoom and the splitter.
     void Dispose();
     QWidget* VueWidget() const { return vue; }
+    // The popup menu MenuEditeur, made for the document as it stands.
+    QMenu* ConstruitMenu();
+    // "Operations on selection" and "Blocks copy".
+    void DialogueOperations();
+    void DialogueBlocs();
     const QImage& ImageVue() const { return imageVue; }
 
 protected:
     void resizeEvent(QResizeEvent* e) override;
     void closeEvent(QCloseEvent* e) override;
     void reject() override; // Esc closes as the close box does
+    void mousePressEvent(QMouseEvent* e) override; // a right click beside the view: the menu
 
 private:
     friend class VueEditeurQt;

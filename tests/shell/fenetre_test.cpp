@@ -29,6 +29,9 @@
 #include "tests/support/systeme.h"
 
 #include <QApplication>
+#include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QMouseEvent>
 #include <QDialog>
 #include <QPlainTextEdit>
@@ -396,6 +399,33 @@ TEST_F(Fenetre, EditeurDeCarte) {
     EXPECT_EQ(std::string(TitreEditeur), "niveau* - Map editor");
     editeur.Tick();
     if (const char* captures = getenv("TESS_CAPTURES")) editeur.grab().save(QString("%1/editeur.png").arg(captures));
+    // The popup menu, as the document stands; its toggles act at once.
+    QMenu* m = editeur.ConstruitMenu();
+    QStringList haut;
+    for (QAction* a : m->actions()) haut << a->text();
+    EXPECT_EQ(haut, (QStringList{"Backgrounds...", "Tools...", "Options...", "Operations on selection", "Moving..."}));
+    EXPECT_FALSE(m->actions()[3]->isEnabled()); // no block held
+    QStringList fonds;
+    for (QAction* a : m->actions()[0]->menu()->actions()) fonds << a->text();
+    EXPECT_EQ(fonds, (QStringList{"Active...", "Properties...", "Add a background...\t   Ctrl+M", "Link...",
+                                  "One palette for each BG", "Transparents BG"}));
+    m->actions()[0]->menu()->actions()[5]->trigger();
+    EXPECT_EQ(ReglagesPlans.transparence, 1);
+    delete m;
+    // "Blocks copy" driven by actions posted before it runs: take 2 x 1 cells at (2, 1).
+    QTimer::singleShot(0, [] {
+        for (QWidget* w : QApplication::topLevelWidgets()) {
+            auto* d = qobject_cast<QDialog*>(w);
+            if (!d || !d->isVisible() || d->windowTitle() != "Blocks copy") continue;
+            const QList<QLineEdit*> champs = d->findChildren<QLineEdit*>();
+            const char* textes[6] = {"2", "1", "2", "1", "", ""};
+            for (int i = 0; i < 6 && i < champs.size(); ++i) champs[i]->setText(textes[i]);
+            d->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
+        }
+    });
+    editeur.DialogueBlocs();
+    EXPECT_EQ(std::pair(Motif.largeurMotif, Motif.hauteurMotif), std::pair(2, 1));
+    EXPECT_EQ(EmplacementMotif(0)[0], 3u);
     CommandeClavier(ED_SAUVER);
     EXPECT_NE(LitFichier("niveau.map.c").find("0x0003"), std::string::npos);
     EXPECT_TRUE(std::filesystem::exists("niveau.map.spt"));
