@@ -171,10 +171,17 @@ QImage ImageDeSurface(const Image& s, int x, int y, int l, int h, int largeur, i
     // The source column of each target column, once.
     std::vector<int> colonnes((size_t)largeur);
     for (int i = 0; i < largeur; ++i) colonnes[(size_t)i] = x + (int)((int64_t)i * l / largeur);
+    int precedente = -1;
     for (int j = 0; j < hauteur; ++j) {
         const int sy = y + (int)((int64_t)j * h / hauteur);
         QRgb* d = (QRgb*)image.scanLine(j);
         if (sy < 0 || sy >= s.hauteur) continue;
+        // A row repeated by the zoom is the row above it again.
+        if (sy == precedente) {
+            memcpy(d, image.constScanLine(j - 1), sizeof(QRgb) * (size_t)largeur);
+            continue;
+        }
+        precedente = sy;
         const uint8_t* ligne = s.pixels + (size_t)(s.hauteur - 1 - sy) * s.pas;
         for (int i = 0; i < largeur; ++i) {
             const int sx = colonnes[(size_t)i];

@@ -9,6 +9,7 @@
 #include "editor/edition.h"
 #include "editor/editeur.h"
 #include "editor/entree.h"
+#include "editor/etat.h"
 #include "editor/plans.h"
 #include "platform/qt/fenetre_qt.h"
 #include "render/surfaces.h"
@@ -174,7 +175,11 @@ EditeurCarteQt::EditeurCarteQt(QWidget* parent) : QDialog(parent) {
     }
     minuterie = new QTimer(this);
     connect(minuterie, &QTimer::timeout, this, &EditeurCarteQt::Tick);
-    resize(640, 400);
+    // Where the state script placed the window last time.
+    const PlaceEditeur& place = PositionEditeur;
+    resize(std::max(place.largeur, 256), std::max(place.hauteur, 256));
+    if (place.x || place.y) move(place.x, place.y);
+    if (place.maximisee) setWindowState(Qt::WindowMaximized);
     DispositionEditeur = Disposition{};
     DisposeEditeur(640, 400);
     Dispose();
@@ -232,6 +237,22 @@ void EditeurCarteQt::Tick() {
 void EditeurCarteQt::resizeEvent(QResizeEvent* e) {
     QDialog::resizeEvent(e);
     Dispose();
+    Retient();
+}
+
+void EditeurCarteQt::moveEvent(QMoveEvent* e) {
+    QDialog::moveEvent(e);
+    Retient();
+}
+
+// The window's place, for the state script's Editor.Move line.
+void EditeurCarteQt::Retient() {
+    PositionEditeur.maximisee = isMaximized();
+    if (PositionEditeur.maximisee) return;
+    PositionEditeur.largeur = width();
+    PositionEditeur.hauteur = height();
+    PositionEditeur.x = x();
+    PositionEditeur.y = y();
 }
 
 void EditeurCarteQt::closeEvent(QCloseEvent* e) {

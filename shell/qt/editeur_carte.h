@@ -32,6 +32,7 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent* e) override;
+    void moveEvent(QMoveEvent* e) override;
     void closeEvent(QCloseEvent* e) override;
     void reject() override; // Esc closes as the close box does
     void mousePressEvent(QMouseEvent* e) override; // a right click beside the view: the menu
@@ -39,6 +40,7 @@ protected:
 private:
     friend class VueEditeurQt;
     void MajControles();
+    void Retient();
     QWidget* vue;
     QWidget* selecteur;
     QWidget* partage;
