@@ -73,10 +73,10 @@ inline void DessineTexte(Image& surface, int x, int y, const char* texte, uint32
 }
 inline int LargeurTexte(const char* texte) { return PlateformeCourante.largeurTexte(texte); }
 inline int Modificateurs() { return PlateformeCourante.modificateurs(); }
-// The built-in font: each printable ASCII character 5 x 7 pixels in a cell
-// of 6 x 8; other bytes show as a hollow box.
+// The built-in font: each printable ASCII character 5 x 7 pixels, 3 rows
+// below the text's top, in a cell 6 pixels wide; other bytes show as a
+// hollow box.
 constexpr int LARGEUR_CAR_POLICE = 6;
-constexpr int HAUTEUR_CAR_POLICE = 8;
 void DessineTextePolice(Image& surface, int x, int y, const char* texte, uint32_t couleur);
 int LargeurTextePolice(const char* texte);
 int BoiteMessage(const char* texte, const char* titre, int style = BOITE_OK);

@@ -58,6 +58,9 @@ constexpr uint8_t Glyphes[95][7] = {
     {0x00, 0x00, 0x08, 0x15, 0x02, 0x00, 0x00},                                             // ~
 };
 constexpr uint8_t Boite[7] = {0x1F, 0x11, 0x11, 0x11, 0x11, 0x11, 0x1F};
+// The glyphs stand 3 rows below the text's top, as a real font's do below
+// its line's top, so that lines of 14 pixels hold them in their middle.
+constexpr int HAUT_POLICE = 3;
 
 void Point(Image& s, int x, int y, uint32_t couleur) {
     if (x < 0 || y < 0 || x >= s.largeur || y >= s.hauteur) return;
@@ -77,7 +80,7 @@ void DessineTextePolice(Image& s, int x, int y, const char* texte, uint32_t coul
         const uint8_t* g = *c >= 32 && *c < 127 ? Glyphes[*c - 32] : Boite;
         for (int r = 0; r < 7; ++r)
             for (int k = 0; k < 5; ++k)
-                if (g[r] >> (4 - k) & 1) Point(s, x + k, y + r, couleur);
+                if (g[r] >> (4 - k) & 1) Point(s, x + k, y + HAUT_POLICE + r, couleur);
     }
 }
 

@@ -226,9 +226,13 @@ void EditeurCarteQt::Tick() {
     // Shown during the tick itself: the next tick draws over the surface.
     imageVue = ImageDeSurface(SurfaceEditeur, 0, 0, Vue.largeurVueZ, Vue.hauteurVueZ, Vue.largeurVue, Vue.hauteurVue,
                               ReglagesEdit.zoomPrecis && ReglagesEdit.zoom != 1.0);
-    if (!ReglagesHexa.actif)
+    if (!ReglagesHexa.actif) {
         imageSelecteur = ImageDeSurface(SurfaceSelecteur, 0, 0, SurfaceSelecteur.largeur, SurfaceSelecteur.hauteur,
                                         DispositionEditeur.largeurSelecteurEcran, Vue.hauteurVue);
+    } else if (!imageSelecteur.isNull()) {
+        // Hex mode has no picker: its place takes the background colour.
+        imageSelecteur.fill(QColor(CouleurFond & 255, CouleurFond >> 8 & 255, CouleurFond >> 16 & 255));
+    }
     vue->repaint();
     selecteur->repaint();
     MajControles();

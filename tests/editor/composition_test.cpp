@@ -484,7 +484,7 @@ TEST_F(Composition, NotificationsRemplaceesEtEffaceesALaMilliseconde) {
     EXPECT_EQ(v[90 * 200 + 100], 0u);                                   // beside the box
     EXPECT_EQ(v[95 * 200 + 20], Melange(0x003060, 0, 0x80));            // its fill: colour 0x603000, blue 0x60
     EXPECT_EQ(v[99 * 200 + 20], Melange(0xFFC000, 0, 0xC0));            // its frame: colour 0xC0FF
-    EXPECT_EQ(v[86 * 200 + 2], 0xFFFFFFu);                              // the W's first column
+    EXPECT_EQ(v[89 * 200 + 2], 0xFFFFFFu);                              // the W's first column, 3 rows down
     EXPECT_EQ(LignesNotification.largeur[0], 8 * LARGEUR_CAR_POLICE);
     CadreDessin = cadre;
 }

@@ -22,6 +22,8 @@
 #include "shell/qt/editeur_carte.h"
 #include "shell/qt/fenetre_principale.h"
 #include "editor/entree.h"
+#include "editor/liste.h"
+#include "editor/notifications.h"
 #include "shell/volet.h"
 #include "platform/texte.h"
 #include "tests/support/enregistreur.h"
@@ -431,6 +433,51 @@ TEST_F(Fenetre, EditeurDeCarte) {
     EXPECT_TRUE(std::filesystem::exists("niveau.map.spt"));
     EXPECT_TRUE(editeur.close());
     EXPECT_FALSE(EditeurOuvert);
+}
+
+} // namespace
+
+namespace {
+
+// A document of four planes: the two maps of the example, one at half
+// speed and blended, a list with objects, the grid; then hex mode. The
+// view shows the composed frame; with TESS_CAPTURES both are saved.
+TEST_F(Fenetre, EditeurQuatrePlans) {
+    EcritFichier("objets.lst.c", "//objets.lst.c\r\n//Converti avec Tessellarium par Zorvan\r\n//Liste (\"decor.til.c\")\r\n"
+                                 "//Taille: 8*8\r\n//M\xE9moire: 0 octets\r\n\r\n#include \"def.h\"\r\n\r\n"
+                                 "const unsigned int objets_liste_nbEle=0;\r\n\r\nconst SPRITE_LISTE objets_liste[]=\t{\r\n};\r\n");
+    AjouteElement(NouvelElement(TYPE_LISTE, "objets", "objets.lst.c"));
+    ASSERT_EQ(CreeSurfacesEditeur(), 1);
+    ASSERT_EQ(OuvreEditeur(TrouveElement(TYPE_CARTE, "niveau")), 1);
+    EcritFichier("quatre.spt", "maps.add \"decor\"\nmaps.add \"niveau\", 3\nmaps.add \"objets\"\nmaps[2].scrollrate 0.5, 0.5\n"
+                               "maps.transparency = 1\neditor.grid = 1\n");
+    ASSERT_EQ(ExecuteFichierScript("quatre.spt", nullptr), 1);
+    ASSERT_EQ(NbPlans, 3); // "niveau" is open already: slot 3 stays free
+    for (int i = 0; i < 6; ++i) AjouteObjet(2, 20 + 30 * i, 30 + 7 * i, 1 + i % 3);
+    EditeurCarteQt editeur(fenetre);
+    editeur.show();
+    DecalageX = 16;
+    AjouteNotificationSimple("Map saved: %s", "niveau");
+    editeur.Tick();
+    auto Identique = [&] {
+        const QImage vu = editeur.VueWidget()->grab().toImage().convertToFormat(QImage::Format_RGB32);
+        int differences = 0;
+        for (int y = 0; y < Vue.hauteurVue; ++y)
+            for (int x = 0; x < Vue.largeurVue; ++x) {
+                const uint8_t* p = SurfaceEditeur.pixels + (size_t)(SurfaceEditeur.hauteur - 1 - y) * SurfaceEditeur.pas + 3 * x;
+                differences += vu.pixel(x, y) != qRgb(p[2], p[1], p[0]);
+            }
+        return differences;
+    };
+    EXPECT_EQ(Identique(), 0);
+    const char* captures = getenv("TESS_CAPTURES");
+    if (captures) editeur.grab().save(QString("%1/editeur-plans.png").arg(captures));
+    CommandeClavier(ED_HEXA);
+    editeur.Tick();
+    EXPECT_EQ(Identique(), 0);
+    if (captures) editeur.grab().save(QString("%1/editeur-hexa.png").arg(captures));
+    CommandeClavier(ED_HEXA);
+    EXPECT_TRUE(editeur.close());
 }
 
 } // namespace
