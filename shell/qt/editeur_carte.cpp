@@ -75,6 +75,7 @@ protected:
     void wheelEvent(QWheelEvent* e) override {
         Molette(e->angleDelta().y());
         editeur->Dispose();
+        editeur->MajControles();
     }
 
 private:
@@ -217,6 +218,14 @@ void EditeurCarteQt::MajControles() {
     coller->setEnabled(Motif.largeurMotif > 1 || Motif.hauteurMotif > 1);
     memoire->setText(QString::fromLatin1(TexteMemoire));
     setWindowTitle(QString::fromLatin1(TitreEditeur));
+    // The value box: off while a block of more than one cell is held; it
+    // shows the pattern whenever it is not being typed in.
+    valeurHexa->setEnabled(Motif.largeurMotif <= 1 && Motif.hauteurMotif <= 1);
+    if (!valeurHexa->hasFocus()) {
+        char texte[16];
+        TexteValeurHexa(texte, sizeof texte);
+        valeurHexa->setText(QString::fromLatin1(texte));
+    }
     barreX->setSliderPosition(DecalageX);
     barreY->setSliderPosition(DecalageY);
 }

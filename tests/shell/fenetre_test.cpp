@@ -428,6 +428,18 @@ TEST_F(Fenetre, EditeurDeCarte) {
     editeur.DialogueBlocs();
     EXPECT_EQ(std::pair(Motif.largeurMotif, Motif.hauteurMotif), std::pair(2, 1));
     EXPECT_EQ(EmplacementMotif(0)[0], 3u);
+    // A save that fails keeps the editor open, its changes and the star.
+    char fichier[TAILLE_TEXTE_PLAN];
+    CopieBornee(fichier, Plans[0].file);
+    CopieBornee(Plans[0].file, "/nulle/part/niveau.map.c");
+    journal->messages.clear();
+    CommandeClavier(ED_SAUVER);
+    EXPECT_EQ(journal->messages.front(),
+              "[/nulle/part/niveau.map.c] Unable to open the file for writing.\nThe file name is probably erroneous.");
+    editeur.Tick();
+    EXPECT_EQ(editeur.windowTitle(), "niveau* - Map editor");
+    EXPECT_TRUE(EditeurOuvert);
+    CopieBornee(Plans[0].file, fichier);
     CommandeClavier(ED_SAUVER);
     EXPECT_NE(LitFichier("niveau.map.c").find("0x0003"), std::string::npos);
     EXPECT_TRUE(std::filesystem::exists("niveau.map.spt"));
