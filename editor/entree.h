@@ -59,7 +59,7 @@ void SaisitPartage(int x);
 // A command of the editor's keys or buttons; false for one the window must
 // handle itself (a dialog).
 bool CommandeClavier(int commande);
-// Scroll bars of the view: a request as Part 6.3 numbers them (0 line
+// Scroll bars of the view: a request by its number (0 line
 // less, 1 line more, 2 page less, 3 page more, 4 top, 5 bottom, 6 thumb).
 void DefileVue(bool horizontal, int requete, int position);
 // The refresh tick at the clock's time: grid steps, edge scrolling, the frame.
